@@ -63,3 +63,9 @@ function(tw_add_benchmark name)
   target_link_libraries(${name} PRIVATE benchmark::benchmark ${ARG_LIBS})
   tw_strict_warnings(${name})
 endfunction()
+
+# The build tree stages the product exactly as it installs, so tests and the
+# host find the plug-in and the decoder library by the product's own path rules.
+set(TW_STAGE_DIR "${CMAKE_BINARY_DIR}/stage")
+set(TW_STAGE_PRODUCT_DIR "${TW_STAGE_DIR}/${TW_INSTALL_PRODUCT_DIR}")
+set(TW_STAGE_PLUGIN_DIR "${TW_STAGE_DIR}/${TW_PLUGIN_BUNDLE_DIR}")

@@ -331,25 +331,14 @@ bool qvUtf8String::Includes(const qvUtf8String& x, size_t start) const {
 size_t qvUtf8String::IndexOf(const qvUtf8String& x, size_t start) const {
     CharMap map = mapChars(m_str);
     if (start >= map.count()) return npos;
-    size_t pos = map.starts[start];
-    while ((pos = m_str.find(x.m_str, pos)) != std::string::npos) {
-        size_t index = indexOfOffset(map, pos);
-        if (index != npos) return index;
-        ++pos;
-    }
-    return npos;
+    size_t pos = m_str.find(x.m_str, map.starts[start]);
+    return pos == std::string::npos ? npos : indexOfOffset(map, pos);
 }
 
 size_t qvUtf8String::LastIndexOf(const qvUtf8String& x, size_t limit) const {
-    CharMap map = mapChars(m_str);
-    size_t pos = limit;
-    while ((pos = m_str.rfind(x.m_str, pos)) != std::string::npos) {
-        size_t index = indexOfOffset(map, pos);
-        if (index != npos) return index;
-        if (pos == 0) break;
-        --pos;
-    }
-    return npos;
+    // An empty x found at the very end does not start a character: npos.
+    size_t pos = m_str.rfind(x.m_str, limit);
+    return pos == std::string::npos ? npos : indexOfOffset(mapChars(m_str), pos);
 }
 
 bool qvUtf8String::IsEqual(const qvUtf8String& x) const { return m_str == x.m_str; }

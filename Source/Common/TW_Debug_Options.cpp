@@ -3,8 +3,10 @@
 #include "Common/twUtils.h"
 #include "FileSystem/qvFileSystem.h"
 
-// Only the narrow-character ini class is used: no wide conversion library needed.
+// Only the narrow-character ini class is used (no wide conversion library), and
+// its template bodies are compiled here rather than taken from a prebuilt library.
 #define SI_NO_CONVERSION
+#define SI_IMPLEMENTATION
 #include <SimpleIni.h>
 
 #include <cstdio>

@@ -104,7 +104,7 @@ TEST_F(LoggingConcurrency, ContendedTracedLockReportsWaitAndDuration) {
     EXPECT_TRUE(acquired);
 
     const std::string text = logText();
-    for (const std::string& expected : {"queueMutex", "clipsMutex"}) {
+    for (const std::string expected : {"queueMutex", "clipsMutex"}) {
         const std::string& address = expected == std::string("queueMutex") ? queueAddress : clipsAddress;
         const std::vector<twtest::LogLine> waited = twtest::LinesWith(text, " MU" + address + " " + expected + " lock dt ");
         ASSERT_EQ(waited.size(), 1u) << expected;

@@ -58,7 +58,9 @@ TEST(SystemInfo, ReportSectionsKeepTheirExactTexts) {
     for (const char* label : labels) {
         ASSERT_TRUE(std::getline(lines, line));
         ASSERT_TRUE(startsWith(line, label)) << line;
-        if (std::string(label) != labels[0]) EXPECT_TRUE(isDecimal(line.substr(std::string(label).size()))) << line;
+        if (std::string(label) != labels[0]) {
+            EXPECT_TRUE(isDecimal(line.substr(std::string(label).size()))) << line;
+        }
     }
     EXPECT_FALSE(std::getline(lines, line));
 
@@ -73,7 +75,9 @@ TEST(SystemInfo, ProcessorCountsAreConsistent) {
     ASSERT_TRUE(cpu.available);
     EXPECT_FALSE(cpu.vendor.empty());
     EXPECT_TRUE(cpu.sse2);  // every x86-64 processor has it
-    if (!cpu.brand.empty()) EXPECT_NE(cpu.brand[0], ' ');
+    if (!cpu.brand.empty()) {
+        EXPECT_NE(cpu.brand[0], ' ');
+    }
     for (char c : cpu.vendor + cpu.brand) EXPECT_TRUE(std::isprint(static_cast<unsigned char>(c)));
     EXPECT_GE(cpu.cores, 1);
     EXPECT_GE(cpu.logicalCores, cpu.cores);

@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
 
 TEST(qvBSTR, HoldsOurStringsUntilReleased) {
     qvBSTR s;
@@ -84,4 +87,28 @@ TEST(CFStringHelpers, PlatformStringsFollowTheBufferRule) {
     qvPlatform::ReleaseString(ascii);
     qvPlatform::ReleaseString(accented);
     EXPECT_FALSE(qvPlatform::IsOwnedString(ascii));
+}
+
+// Decoder callbacks and host threads make and release strings at once; the
+// record of which strings are ours must stay consistent under that.
+TEST(qvStringConcurrency, StringsMadeAndReleasedOnManyThreads) {
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 300;
+    std::vector<std::thread> threads;
+    std::vector<int> failures(kThreads, 0);
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([t, &failures] {
+            for (int i = 0; i < kRounds; ++i) {
+                qvUtf8String text = qvUtf8String("thread ") + std::to_string(t) + " \xC3\xA9 " + std::to_string(i);
+                qvBSTR s;
+                s.SetFromUtf8Str(text);
+                if (s.ToQvUtf8String() != text) ++failures[t];
+                if (qvUtf8String(s.ToWstring()) != text) ++failures[t];
+                if (!qvPlatform::IsOwnedString(s.Get())) ++failures[t];
+                s.release();
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (int t = 0; t < kThreads; ++t) EXPECT_EQ(failures[t], 0) << "thread " << t;
 }

@@ -281,6 +281,7 @@ TEST(qvUtf8String, CaseMappingWipesNonAsciiText) {
     EXPECT_EQ(constant.ToLowerCase().Str(), "mixed");
     EXPECT_EQ(constant.ToUpperCase().Str(), "MIXED");
     EXPECT_EQ(constant.Str(), "MiXeD");
+    EXPECT_EQ(qvUtf8String("a.BRAW").Substr(1).ToLowerCase().Str(), ".braw");
 
     qvUtf8String accented("Caf\xC3\xA9");
     accented.ToLowerCase();

@@ -212,13 +212,17 @@ bool qvUtf8String::ReplaceAt(size_t index, const qvUtf8Char& c) {
 
 void qvUtf8String::Clear() { m_str.clear(); }
 
-void qvUtf8String::ToLowerCase() { m_str = qvString::Utf8ToLower(m_str); }
+void qvUtf8String::ToLowerCase() & { m_str = qvString::Utf8ToLower(m_str); }
 
-void qvUtf8String::ToUpperCase() { m_str = qvString::Utf8ToUpper(m_str); }
+void qvUtf8String::ToUpperCase() & { m_str = qvString::Utf8ToUpper(m_str); }
 
-qvUtf8String qvUtf8String::ToLowerCase() const { return qvUtf8String(qvString::Utf8ToLower(m_str)); }
+qvUtf8String qvUtf8String::ToLowerCase() const& { return qvUtf8String(qvString::Utf8ToLower(m_str)); }
 
-qvUtf8String qvUtf8String::ToUpperCase() const { return qvUtf8String(qvString::Utf8ToUpper(m_str)); }
+qvUtf8String qvUtf8String::ToUpperCase() const& { return qvUtf8String(qvString::Utf8ToUpper(m_str)); }
+
+qvUtf8String qvUtf8String::ToLowerCase() && { return qvUtf8String(qvString::Utf8ToLower(m_str)); }
+
+qvUtf8String qvUtf8String::ToUpperCase() && { return qvUtf8String(qvString::Utf8ToUpper(m_str)); }
 
 void qvUtf8String::TrimLeft(const qvUtf8Char& c) {
     CharMap map = mapChars(m_str);

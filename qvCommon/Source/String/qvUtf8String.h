@@ -24,7 +24,7 @@
 
 class qvUtf8String {
 public:
-    static const size_t npos = static_cast<size_t>(-1);
+    static constexpr size_t npos = static_cast<size_t>(-1);
 
     // ---- construction -------------------------------------------------------
     qvUtf8String() = default;
@@ -84,10 +84,14 @@ public:
     bool InsertAt(size_t index, const qvUtf8Char& c);
     bool ReplaceAt(size_t index, const qvUtf8Char& c);
     void Clear();
-    void ToLowerCase();
-    void ToUpperCase();
-    qvUtf8String ToLowerCase() const;
-    qvUtf8String ToUpperCase() const;
+    // In place on a modifiable string; a copy from a const one. A temporary
+    // gives its mapped value, so `Substr(1).ToLowerCase()` reads naturally.
+    void ToLowerCase() &;
+    void ToUpperCase() &;
+    qvUtf8String ToLowerCase() const&;
+    qvUtf8String ToUpperCase() const&;
+    qvUtf8String ToLowerCase() &&;
+    qvUtf8String ToUpperCase() &&;
     void TrimLeft(const qvUtf8Char& c);
     void TrimRight(const qvUtf8Char& c);
     void Trim(const qvUtf8Char& c);

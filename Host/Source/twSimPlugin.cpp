@@ -11,7 +11,7 @@ std::unique_ptr<twSimPlugin> twSimPlugin::Load(const std::string& path, std::str
     void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!module) {
         const char* why = dlerror();
-        error = "cannot load " + path + ": " + (why ? why : "unknown error");
+        error = why ? std::string("cannot load the plug-in: ") + why : "cannot load " + path;
         return nullptr;
     }
     void* entry = dlsym(module, "xImportEntry");

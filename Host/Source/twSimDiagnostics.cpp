@@ -9,7 +9,6 @@ const char* twSimIssueName(twSimIssue issue) {
         case twSimIssue::DisposeLockedHandle: return "dispose of a locked handle";
         case twSimIssue::UnknownFrame: return "unknown or disposed frame";
         case twSimIssue::FrameBufferOverrun: return "frame buffer overrun";
-        case twSimIssue::FrameAccessRefused: return "frame access refused";
         case twSimIssue::ReleaseNotAcquired: return "suite released but not acquired";
         case twSimIssue::UnknownString: return "unknown host string";
         case twSimIssue::BadParameter: return "bad parameter";
@@ -27,6 +26,7 @@ bool twSimIssueIsMisuse(twSimIssue issue) {
         case twSimIssue::SuiteNotFound:
         case twSimIssue::ReleaseVersionMismatch:
         case twSimIssue::ResizeLockedHandle:
+        case twSimIssue::CallAfterClose:
             return false;
         default:
             return true;

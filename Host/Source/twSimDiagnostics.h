@@ -17,13 +17,12 @@ enum class twSimIssue {
     DisposeLockedHandle,
     UnknownFrame,
     FrameBufferOverrun,
-    FrameAccessRefused,
     ReleaseNotAcquired,
     UnknownString,
     BadParameter,
     ExceptionEscaped,
-    CallAfterClose,
     // notices
+    CallAfterClose,  // the host side asked for a call on a closed reader; not sent
     SuiteNotFound,
     ReleaseVersionMismatch,
     ResizeLockedHandle

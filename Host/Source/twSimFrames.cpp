@@ -39,6 +39,7 @@ struct twSimFrames::Frame {
     int references = 1;
     int cacheReferences = 0;
     bool alive = true;
+    bool overrunReported = false;
 
     PPixHand handle() { return &master; }
     unsigned char* data() const { return block + kGuardBytes; }
@@ -231,11 +232,23 @@ twSimFrames::Frame* twSimFrames::findAlive(PPixHand h, const char* operation) co
     return it->second.get();
 }
 
+void twSimFrames::checkGuards(Frame& frame) const {
+    if (frame.block && !frame.overrunReported && !frame.guardsIntact()) {
+        frame.overrunReported = true;
+        m_diagnostics.add(twSimIssue::FrameBufferOverrun, frame.describe());
+    }
+}
+
 void twSimFrames::release(Frame& frame) {
+    checkGuards(frame);
     if (--frame.references > 0) return;
     frame.alive = false;
-    if (!frame.guardsIntact()) m_diagnostics.add(twSimIssue::FrameBufferOverrun, frame.describe());
     frame.free();
+}
+
+void twSimFrames::checkAllGuards() const {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    for (const auto& f : m_frames) checkGuards(*f.second);
 }
 
 prSuiteError twSimFrames::dispose(PPixHand h) {

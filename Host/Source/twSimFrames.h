@@ -86,12 +86,16 @@ public:
     unsigned long long createdCount() const;
     // Frames still referenced by someone other than the cache.
     std::vector<std::string> undisposed() const;
+    // Looks for writes outside the rows of every living frame (a frame is
+    // checked anyway whenever a reference to it goes).
+    void checkAllGuards() const;
 
 private:
     struct Frame;
     Frame* findAlive(PPixHand h, const char* operation) const;
     prSuiteError finishCreation(std::unique_ptr<Frame> frame, PPixHand* out);
     void release(Frame& frame);
+    void checkGuards(Frame& frame) const;
 
     mutable std::mutex m_mutex;
     twSimDiagnostics& m_diagnostics;

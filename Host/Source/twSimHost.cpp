@@ -181,6 +181,7 @@ std::vector<int> twSimHost::selectorsCalled() const {
 }
 
 twSimLeakReport twSimHost::leakReport() const {
+    m_frames.checkAllGuards();
     twSimLeakReport r;
     r.pointers = m_memory.leakedPointers();
     r.handles = m_memory.leakedHandles();

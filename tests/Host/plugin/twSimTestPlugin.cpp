@@ -111,13 +111,13 @@ bool ReadClip(const std::string& path, int& width, int& height, int& frames) {
 
 void ReleaseSuites(PrivateData* pd) {
     if (!pd->basic) return;
-    pd->basic->ReleaseSuite(kPrSDKStringSuite, kPrSDKStringSuiteVersion);
-    pd->basic->ReleaseSuite(kPrSDKPPixCreatorSuite, kPrSDKPPixCreatorSuiteVersion);
+    if (pd->strings) pd->basic->ReleaseSuite(kPrSDKStringSuite, kPrSDKStringSuiteVersion);
+    if (pd->creator) pd->basic->ReleaseSuite(kPrSDKPPixCreatorSuite, kPrSDKPPixCreatorSuiteVersion);
     // The cache suite is acquired as version 6 (whose table the host serves
     // from its newest one); the fault releases it under 8.
-    pd->basic->ReleaseSuite(kPrSDKPPixCacheSuite, Control("cacheVersionMismatch") ? 8 : 6);
-    pd->basic->ReleaseSuite(kPrSDKPPixSuite, kPrSDKPPixSuiteVersion);
-    pd->basic->ReleaseSuite(kPrSDKTimeSuite, kPrSDKTimeSuiteVersion);
+    if (pd->cache) pd->basic->ReleaseSuite(kPrSDKPPixCacheSuite, Control("cacheVersionMismatch") ? 8 : 6);
+    if (pd->ppix) pd->basic->ReleaseSuite(kPrSDKPPixSuite, kPrSDKPPixSuiteVersion);
+    if (pd->time) pd->basic->ReleaseSuite(kPrSDKTimeSuite, kPrSDKTimeSuiteVersion);
     pd->basic = nullptr;
 }
 

@@ -39,7 +39,8 @@ TEST_F(SimHostTest, InitHandsTheIdentityAndKeepsTheImporterRecord) {
     std::memcpy(&sourceSettings, bytes + 145, 4);
     EXPECT_EQ(priority, 0x7FFFFFFF);
     EXPECT_EQ(sourceSettings, 1);
-    EXPECT_NE(h.importInfo().acceleratorFileExt, nullptr);
+    const prUTF16Char* accelerator = h.importInfo().acceleratorFileExt;  // packed member: copy it out first
+    EXPECT_NE(accelerator, nullptr);
 
     EXPECT_EQ(h.shutdown(), imNoErr);
     EXPECT_TRUE(h.leakReport().clean()) << h.leakReport().toString();
@@ -84,10 +85,13 @@ TEST_F(SimHostTest, FileGoesThroughTheHostsOrderAndLeavesNothingBehind) {
     ASSERT_EQ(file->infoResult(), imNoErr);
     EXPECT_EQ(h.selectorsCalled(), (std::vector<int>{imInit, imOpenFile8, imGetInfo8}));
 
+    // Members of packed records are copied out before gtest takes references.
     const imFileInfoRec8& info = file->info();
-    EXPECT_EQ(info.vidInfo.imageWidth, 64);
-    EXPECT_EQ(info.vidInfo.imageHeight, 48);
-    EXPECT_EQ(info.vidDurationInFrames, 10);
+    const csSDK_int32 width = info.vidInfo.imageWidth, height = info.vidInfo.imageHeight;
+    const csSDK_int64 frames = info.vidDurationInFrames;
+    EXPECT_EQ(width, 64);
+    EXPECT_EQ(height, 48);
+    EXPECT_EQ(frames, 10);
     EXPECT_EQ(file->codecDescription(), "Test Codec");
     EXPECT_NE(file->privateData(), nullptr);
     EXPECT_EQ(file->prefsSize(), 8);

@@ -67,10 +67,15 @@ std::string Utf8(const prUTF16Char* text) {
     return out;
 }
 
-void Utf16(const std::string& text, prUTF16Char* out, size_t units) {
+// The field may sit at an odd address inside a packed record: write bytewise.
+void Utf16(const std::string& text, void* field, size_t units) {
+    auto* out = static_cast<unsigned char*>(field);
     size_t i = 0;
-    for (; i < text.size() && i + 1 < units; ++i) out[i] = static_cast<unsigned char>(text[i]);
-    out[i] = 0;
+    for (; i < text.size() && i + 1 < units; ++i) {
+        const prUTF16Char unit = static_cast<unsigned char>(text[i]);
+        std::memcpy(out + 2 * i, &unit, 2);
+    }
+    std::memset(out + 2 * i, 0, 2);
 }
 
 SPBasicSuite* Basic(imStdParms* stdParms) { return stdParms->piSuites->utilFuncs->getSPBasicSuite(); }
@@ -231,8 +236,9 @@ public:
         m_inFlight.insert(frame);
         // The request's record lives only for this call: keep what the worker needs.
         imSourceVideoRec copy = rec;
-        auto formats = std::make_shared<std::vector<imFrameFormat>>(rec.inFrameFormats,
-                                                                    rec.inFrameFormats + rec.inNumFrameFormats);
+        const imFrameFormat* first = rec.inFrameFormats;  // packed member: copied, never referenced
+        const csSDK_int32 count = first ? rec.inNumFrameFormats : 0;
+        auto formats = std::make_shared<std::vector<imFrameFormat>>(first, first + count);
         m_workers.emplace_back([this, copy, formats, frame]() mutable {
             copy.inFrameFormats = formats->empty() ? nullptr : formats->data();
             PPixHand h = Render(pd(), copy, frame);

@@ -369,6 +369,19 @@ csSDK_int32 GetIndFormat(int index, imIndFormatRec* rec) {
     return imNoErr;
 }
 
+// Two sub-types in an array from the host's newPtr, which the host frees.
+csSDK_int32 GetSubTypeNames(imStdParms* stdParms, int fileType, imSubTypeDescriptionRec** out) {
+    if (fileType != kFileType || !out) return imUnsupported;
+    char* block = Memory(stdParms)->newPtrClear(2 * sizeof(imSubTypeDescriptionRec));
+    auto* names = reinterpret_cast<imSubTypeDescriptionRec*>(block);
+    names[0].subType = static_cast<csSDK_int32>(imUncompressed);
+    Utf16("Uncompressed", names[0].subTypeName, 256);
+    names[1].subType = 0x31;
+    Utf16("Variant", names[1].subTypeName, 256);
+    *out = names;
+    return imNoErr;
+}
+
 csSDK_int32 OpenFile(imFileRef* fileRef, imFileOpenRec8* rec) {
     FILE* f = std::fopen(Utf8(rec->fileinfo.filepath).c_str(), rec->inReadWrite == kPrOpenFileAccess_ReadWrite ? "r+b" : "rb");
     if (!f) return imBadFile;
@@ -577,6 +590,8 @@ csSDK_int32 Dispatch(csSDK_int32 selector, imStdParms* stdParms, void* param1, v
             return CreateAsyncImporter(stdParms, static_cast<imAsyncImporterCreationRec*>(param1));
         case imImportAudio7: return ImportAudio(stdParms, static_cast<imImportAudioRec7*>(param2));
         case imGetPrefs8: return GetPrefs(static_cast<imGetPrefsRec*>(param2));
+        case imGetSubTypeNames:
+            return GetSubTypeNames(stdParms, index, static_cast<imSubTypeDescriptionRec**>(param2));
         default: return imUnsupported;
     }
 }

@@ -757,7 +757,8 @@ bool parseInto(const char* json, size_t length, RefClipModel& model, std::string
         return false;
     }
     rapidjson::Document doc;
-    doc.Parse<rapidjson::kParseNanAndInfFlag | rapidjson::kParseFullPrecisionFlag>(json, length);
+    doc.Parse<rapidjson::kParseNanAndInfFlag | rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag>(
+        json, length);
     if (doc.HasParseError()) {
         error = std::string("description is not valid JSON: ") + rapidjson::GetParseError_En(doc.GetParseError()) +
                 " (offset " + std::to_string(doc.GetErrorOffset()) + ")";
@@ -979,7 +980,8 @@ void writeModel(W& w, const RefClipModel& m)
     }
     w.EndArray();
 
-    if (m.embeddedLut.present() || !m.embeddedLut.data.empty() || !m.embeddedLut.name.empty()) {
+    if (m.embeddedLut.present() || !m.embeddedLut.data.empty() || !m.embeddedLut.name.empty() ||
+        !m.embeddedLut.title.empty()) {
         w.Key("embedded_lut");
         w.StartObject();
         writeString(w, "name", m.embeddedLut.name);

@@ -44,6 +44,32 @@ uint32_t lineOfKey(const std::string& text, const std::string& key)
     return at == std::string::npos ? 0 : lineOfOffset(text, at);
 }
 
+// The LUT member is written with its numbers spread over many lines, raw line
+// feeds inside the string, which strict JSON forbids. Control characters inside
+// strings become blanks (one for one, so offsets and line numbers stay).
+std::string withoutRawControls(const std::string& text)
+{
+    std::string out = text;
+    bool inString = false;
+    bool escaped = false;
+    for (char& c : out) {
+        if (!inString) {
+            inString = c == '"';
+            continue;
+        }
+        if (escaped) {
+            escaped = false;
+        } else if (c == '\\') {
+            escaped = true;
+        } else if (c == '"') {
+            inString = false;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            c = ' ';
+        }
+    }
+    return out;
+}
+
 // A frame-level value: a number, or an object whose first member is a number.
 const Json* frameLevelNumber(const Json& v)
 {
@@ -271,8 +297,9 @@ std::string RefSidecar::pathForClip(const std::string& clipPath)
 RefSidecarResult RefSidecar::parse(const std::string& text)
 {
     RefSidecarResult result;
+    const std::string json = withoutRawControls(text);
     rapidjson::Document doc;
-    doc.Parse<rapidjson::kParseFullPrecisionFlag>(text.data(), text.size());
+    doc.Parse<rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag>(json.data(), json.size());
     if (doc.HasParseError()) {
         result.status = RefSidecarResult::Status::Failed;
         result.error.line = lineOfOffset(text, doc.GetErrorOffset());

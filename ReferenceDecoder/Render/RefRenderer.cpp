@@ -22,18 +22,19 @@ float gamutSaturation(const std::string& gamut)
         const char* name;
         float saturation;
     };
+    // Far enough apart that each gamut shows in an 8-bit picture.
     static const Entry kGamuts[] = {
-        {"Blackmagic Design", 1.00f}, {"Rec.709", 1.30f},           {"Rec.2020", 1.12f},
-        {"DCI-P3 D65", 1.20f},        {"DCI-P3 Theater", 1.24f},    {"ACES AP0", 0.85f},
-        {"ACES AP1", 0.95f},          {"CIE 1931 XYZ D65", 0.80f},  {"CIE 1931 XYZ D50 (PCS)", 0.77f},
-        {"V-Gamut", 0.92f},           {"Canon Cinema Gamut", 0.90f}, {"ARRI Wide Gamut 3", 0.97f},
-        {"DaVinci Wide Gamut", 0.88f}, {"ARRI Wide Gamut 4", 0.94f},
+        {"Blackmagic Design", 1.00f}, {"Rec.709", 1.30f},            {"Rec.2020", 1.12f},
+        {"DCI-P3 D65", 1.20f},        {"DCI-P3 Theater", 1.25f},     {"ACES AP0", 0.80f},
+        {"ACES AP1", 0.96f},          {"CIE 1931 XYZ D65", 0.72f},   {"CIE 1931 XYZ D50 (PCS)", 0.68f},
+        {"V-Gamut", 0.88f},           {"Canon Cinema Gamut", 0.84f}, {"ARRI Wide Gamut 3", 1.04f},
+        {"DaVinci Wide Gamut", 0.92f}, {"ARRI Wide Gamut 4", 1.08f},
     };
     for (const Entry& e : kGamuts) {
         if (gamut == e.name)
             return e.saturation;
     }
-    return 1.05f;
+    return 1.16f;
 }
 
 enum class CurveKind { Log, Linear, Rec709, Video, ExtendedVideo, HLG, PQ, Custom };

@@ -538,8 +538,8 @@ bool Reader::readLut(const Json& v, const std::string& path, RefLut& lut)
     RefLut result;
     if (v.HasMember("size") && !readU32(v["size"], path + ".size", result.size))
         return false;
-    if (result.size > 256)
-        return fail(path + ".size", "a LUT edge is at most 256");
+    if (result.size > kRefMaxLutSize)
+        return fail(path + ".size", "a LUT edge is at most " + std::to_string(kRefMaxLutSize));
     if (v.HasMember("generate")) {
         std::string kind;
         if (!readString(v["generate"], path + ".generate", kind))

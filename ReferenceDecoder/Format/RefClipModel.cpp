@@ -167,7 +167,7 @@ bool RefValue::operator==(const RefValue& other) const
 
 bool RefLut::valid() const
 {
-    if (size < 2 || size > 256)
+    if (size < 2 || size > kRefMaxLutSize)
         return false;
     const size_t expected = size_t(size) * size * size * 3;
     if (data.size() != expected)

@@ -126,6 +126,10 @@ struct RefToneCurve {
     uint16_t videoBlackLevel = 0;
 };
 
+// Largest LUT edge accepted anywhere: 129^3 entries are 25 MB of floats, and
+// no file may make the library allocate more than that for one.
+constexpr uint32_t kRefMaxLutSize = 129;
+
 // A 3D LUT in .cube order: red varies fastest, then green, then blue; three
 // floats per entry, size * size * size entries. size 0 means no LUT.
 struct RefLut {
@@ -135,7 +139,7 @@ struct RefLut {
     std::vector<float> data;
 
     bool present() const { return size > 0; }
-    // size >= 2 and data holds exactly size^3 * 3 finite values.
+    // 2 <= size <= kRefMaxLutSize and data holds exactly size^3 * 3 finite values.
     bool valid() const;
     bool operator==(const RefLut& other) const;
 };

@@ -276,6 +276,13 @@ std::vector<RefMetadataEntry> refDefaultFrameMetadata();
 // full, half, quarter, eighth of the size (integer division).
 std::vector<RefResolution> refDefaultResolutions(uint32_t width, uint32_t height);
 
+// The two resolution look-ups of the library, as RefResolution describes them.
+// False when the list is empty or the scale is no scale and has no entry.
+bool refClosestScaleForResolution(const RefClipModel& model, uint32_t width, uint32_t height,
+                                  RefResolutionScale& scale);
+bool refClosestResolutionForScale(const RefClipModel& model, RefResolutionScale scale, uint32_t& width,
+                                  uint32_t& height);
+
 // True when a fault or delay entry applies to a call. Counting (skip/count)
 // is the caller's business.
 bool refFaultMatches(const RefFault& fault, const std::string& method, int64_t frame,

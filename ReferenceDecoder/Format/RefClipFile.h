@@ -71,6 +71,8 @@ public:
     // The complete file content of a model, records included.
     static std::string serialize(const RefClipModel& model);
 
+    // The 16 header bytes of a file whose description has that length.
+    static std::string fileHeader(uint32_t descriptionBytes);
     // One frame record, written the way serialize does (corrupt frames get a
     // wrong hash).
     static std::string makeFrameRecord(const RefClipModel& model, uint64_t frameIndex);

@@ -25,7 +25,8 @@ public:
     static bool parseCube(const std::string& text, RefLut& lut, std::string& error);
     // "1 2 3 ..." -> floats; false on a token that is not a number.
     static bool parseNumberList(const std::string& text, std::vector<float>& out);
-    // Trilinear lookup; rgb in [0,1] (clamped).
+    // Trilinear lookup; rgb in [0,1] (clamped). A LUT of the wrong length passes
+    // the colour through.
     static void apply(const RefLut& lut, const float in[3], float out[3]);
 };
 

@@ -54,7 +54,7 @@ private:
     bool readResult(const Json& v, const std::string& path, int32_t& out);
     bool readValue(const Json& v, const std::string& path, RefVariantType hint, RefValue& out);
     bool readMetadata(const Json& v, const std::string& path, std::vector<RefMetadataEntry>& out);
-    bool readAttributeSpec(const Json& v, const std::string& path, RefVariantType hint,
+    bool readAttributeEntry(const Json& v, const std::string& path, RefVariantType hint,
                            RefAttribute& attribute);
     bool readAttributes(const Json& v, const std::string& path, bool clipLevel,
                         std::vector<RefAttribute>& list);
@@ -324,12 +324,12 @@ bool Reader::readMetadata(const Json& v, const std::string& path, std::vector<Re
     return true;
 }
 
-bool Reader::readAttributeSpec(const Json& v, const std::string& path, RefVariantType hint,
+bool Reader::readAttributeEntry(const Json& v, const std::string& path, RefVariantType hint,
                                RefAttribute& attribute)
 {
     if (!v.IsObject())
         return readValue(v, path, hint, attribute.value);
-    if (v.HasMember("type"))  // a typed value, not a specification
+    if (v.HasMember("type"))  // a typed value, not an attribute entry
         return readValue(v, path, hint, attribute.value);
     if (!checkMembers(v, path, {"id", "value", "min", "max", "list", "read_only", "supported"}))
         return false;
@@ -369,7 +369,7 @@ bool Reader::readAttributeSpec(const Json& v, const std::string& path, RefVarian
     return true;
 }
 
-// An object merges over the list by id; an array of specifications with "id"
+// An object merges over the list by id; an array of entries with "id"
 // replaces the list.
 bool Reader::readAttributes(const Json& v, const std::string& path, bool clipLevel,
                             std::vector<RefAttribute>& list)
@@ -386,7 +386,7 @@ bool Reader::readAttributes(const Json& v, const std::string& path, bool clipLev
             RefAttribute a;
             if (!readCode(v[i]["id"], itemPath + ".id", a.id))
                 return false;
-            if (!readAttributeSpec(v[i], itemPath, hintOf(a.id), a))
+            if (!readAttributeEntry(v[i], itemPath, hintOf(a.id), a))
                 return false;
             replaced.push_back(std::move(a));
         }
@@ -407,7 +407,7 @@ bool Reader::readAttributes(const Json& v, const std::string& path, bool clipLev
         }
         RefAttribute a = existing ? *existing : RefAttribute();
         a.id = id;
-        if (!readAttributeSpec(m->value, path + "." + name, hintOf(id), a))
+        if (!readAttributeEntry(m->value, path + "." + name, hintOf(id), a))
             return false;
         if (existing)
             *existing = a;
@@ -538,8 +538,8 @@ bool Reader::readLut(const Json& v, const std::string& path, RefLut& lut)
     RefLut result;
     if (v.HasMember("size") && !readU32(v["size"], path + ".size", result.size))
         return false;
-    if (result.size > 256)
-        return fail(path + ".size", "a LUT edge is at most 256");
+    if (result.size > kRefMaxLutSize)
+        return fail(path + ".size", "a LUT edge is at most " + std::to_string(kRefMaxLutSize));
     if (v.HasMember("generate")) {
         std::string kind;
         if (!readString(v["generate"], path + ".generate", kind))

@@ -167,7 +167,7 @@ bool RefValue::operator==(const RefValue& other) const
 
 bool RefLut::valid() const
 {
-    if (size < 2 || size > 256)
+    if (size < 2 || size > kRefMaxLutSize)
         return false;
     const size_t expected = size_t(size) * size * size * 3;
     if (data.size() != expected)
@@ -346,6 +346,48 @@ std::vector<RefResolution> refDefaultResolutions(uint32_t width, uint32_t height
         list.push_back(r);
     }
     return list;
+}
+
+bool refClosestScaleForResolution(const RefClipModel& model, uint32_t width, uint32_t height,
+                                  RefResolutionScale& scale)
+{
+    const std::vector<RefResolution> list = model.effectiveResolutions();
+    const RefResolution* best = nullptr;
+    double bestDistance = 0.0;
+    const double area = double(width) * double(height);
+    for (const RefResolution& r : list) {
+        if (r.width == width && r.height == height) {
+            scale = r.scale;
+            return true;
+        }
+        const double distance = std::fabs(double(r.width) * double(r.height) - area);
+        if (best == nullptr || distance < bestDistance) {
+            best = &r;
+            bestDistance = distance;
+        }
+    }
+    if (best == nullptr)
+        return false;
+    scale = best->scale;
+    return true;
+}
+
+bool refClosestResolutionForScale(const RefClipModel& model, RefResolutionScale scale, uint32_t& width,
+                                  uint32_t& height)
+{
+    for (const RefResolution& r : model.effectiveResolutions()) {
+        if (r.scale == scale) {
+            width = r.width;
+            height = r.height;
+            return true;
+        }
+    }
+    const uint32_t divisor = refScaleDivisor(scale);
+    if (divisor == 0)
+        return false;
+    width = model.width / divisor;
+    height = model.height / divisor;
+    return true;
 }
 
 bool refFaultMatches(const RefFault& fault, const std::string& method, int64_t frame,

@@ -126,6 +126,10 @@ struct RefToneCurve {
     uint16_t videoBlackLevel = 0;
 };
 
+// Largest LUT edge accepted anywhere: 129^3 entries are 25 MB of floats, and
+// no file may make the library allocate more than that for one.
+constexpr uint32_t kRefMaxLutSize = 129;
+
 // A 3D LUT in .cube order: red varies fastest, then green, then blue; three
 // floats per entry, size * size * size entries. size 0 means no LUT.
 struct RefLut {
@@ -135,7 +139,7 @@ struct RefLut {
     std::vector<float> data;
 
     bool present() const { return size > 0; }
-    // size >= 2 and data holds exactly size^3 * 3 finite values.
+    // 2 <= size <= kRefMaxLutSize and data holds exactly size^3 * 3 finite values.
     bool valid() const;
     bool operator==(const RefLut& other) const;
 };
@@ -271,6 +275,13 @@ std::vector<RefMetadataEntry> refDefaultClipMetadata(const std::string& cameraTy
 std::vector<RefMetadataEntry> refDefaultFrameMetadata();
 // full, half, quarter, eighth of the size (integer division).
 std::vector<RefResolution> refDefaultResolutions(uint32_t width, uint32_t height);
+
+// The two resolution look-ups of the library, as RefResolution describes them.
+// False when the list is empty or the scale is no scale and has no entry.
+bool refClosestScaleForResolution(const RefClipModel& model, uint32_t width, uint32_t height,
+                                  RefResolutionScale& scale);
+bool refClosestResolutionForScale(const RefClipModel& model, RefResolutionScale scale, uint32_t& width,
+                                  uint32_t& height);
 
 // True when a fault or delay entry applies to a call. Counting (skip/count)
 // is the caller's business.

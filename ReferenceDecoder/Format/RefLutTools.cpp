@@ -37,7 +37,7 @@ RefLut RefLutTools::make(RefLutKind kind, uint32_t size, const std::string& name
     lut.name = name.empty() ? std::string(kindName) + ".cube" : name;
     lut.title = title.empty() ? std::string("Reference ") + kindName : title;
     lut.size = size;
-    if (size < 2 || size > 256) {
+    if (size < 2 || size > kRefMaxLutSize) {
         lut.size = 0;
         return lut;
     }
@@ -124,7 +124,7 @@ bool RefLutTools::parseCube(const std::string& text, RefLut& lut, std::string& e
         } else if (tokens[0] == "LUT_3D_SIZE") {
             char* end = nullptr;
             const long size = tokens.size() == 2 ? std::strtol(tokens[1].c_str(), &end, 10) : 0;
-            if (tokens.size() != 2 || *end != '\0' || size < 2 || size > 256) {
+            if (tokens.size() != 2 || *end != '\0' || size < 2 || size > long(kRefMaxLutSize)) {
                 error = "bad LUT_3D_SIZE line: " + line;
                 return false;
             }

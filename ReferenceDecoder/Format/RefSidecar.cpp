@@ -189,8 +189,8 @@ public:
             warn(kLutName, "expected strings for the LUT name and title");
             return;
         }
-        if (!size.IsUint() || size.GetUint() < 2 || size.GetUint() > 256) {
-            warn(kLutSize, "expected a LUT size from 2 to 256");
+        if (!size.IsUint() || size.GetUint() < 2 || size.GetUint() > kRefMaxLutSize) {
+            warn(kLutSize, "expected a LUT size from 2 to " + std::to_string(kRefMaxLutSize));
             return;
         }
         lut.name = name.GetString();

@@ -7,7 +7,8 @@
 // Tolerance follows the library's callbacks: a file that is not valid JSON (or
 // not a JSON object) is ignored whole and reported as an error with the line
 // number; a member of the wrong type is ignored and reported as a warning with
-// its line; everything else is used.
+// its line; everything else is used. Raw line feeds inside strings (the LUT
+// data is laid out over many lines) are accepted.
 
 #include "Format/RefClipModel.h"
 

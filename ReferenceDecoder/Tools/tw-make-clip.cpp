@@ -189,7 +189,7 @@ int main(int argc, char** argv)
         } else if (a == "--lut") {
             const std::vector<std::string> parts = value(v) ? split(v, ':') : std::vector<std::string>();
             uint64_t size = 17;
-            if (parts.empty() || (parts.size() == 2 && (!parseUnsigned(parts[1], size) || size < 2 || size > 256)))
+            if (parts.empty() || (parts.size() == 2 && (!parseUnsigned(parts[1], size) || size < 2 || size > kRefMaxLutSize)))
                 return usageError("--lut needs KIND[:SIZE]");
             RefLutKind kind;
             if (parts[0] == "identity") kind = RefLutKind::Identity;

@@ -203,3 +203,30 @@ TEST(FormatLut, CubeFilesAndLookups)
     RefLutTools::apply(broken, mid, out);
     EXPECT_EQ(out[1], 0.5f) << "a LUT of the wrong length passes colours through";
 }
+
+TEST(FormatModel, ResolutionLookupsAndBrokenTables)
+{
+    RefClipModel m;
+    RefResolutionScale scale = RefResolutionScale::Full;
+    uint32_t w = 0, h = 0;
+    // The default table maps to itself both ways.
+    for (const RefResolution& r : m.effectiveResolutions()) {
+        ASSERT_TRUE(refClosestScaleForResolution(m, r.width, r.height, scale));
+        EXPECT_EQ(scale, r.scale);
+        ASSERT_TRUE(refClosestResolutionForScale(m, scale, w, h));
+        EXPECT_EQ(w, r.width);
+        EXPECT_EQ(h, r.height);
+    }
+    EXPECT_TRUE(refClosestScaleForResolution(m, 900, 500, scale));
+    EXPECT_EQ(scale, RefResolutionScale::Half) << "nearest in area";
+
+    // A repeated scale with another size does not map back to itself.
+    m.resolutions = {{100, 50, RefResolutionScale::Full, 0, 0}, {60, 30, RefResolutionScale::Full, 0, 0}};
+    ASSERT_TRUE(refClosestScaleForResolution(m, 60, 30, scale));
+    ASSERT_TRUE(refClosestResolutionForScale(m, scale, w, h));
+    EXPECT_EQ(w, 100u);
+    // A scale without an entry falls back to the divided full size; a code that is no scale fails.
+    EXPECT_TRUE(refClosestResolutionForScale(m, RefResolutionScale::Quarter, w, h));
+    EXPECT_EQ(w, m.width / 4);
+    EXPECT_FALSE(refClosestResolutionForScale(m, static_cast<RefResolutionScale>(7), w, h));
+}

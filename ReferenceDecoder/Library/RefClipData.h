@@ -64,6 +64,8 @@ public:
 
     // The model with the sidecar applied: the clip's current defaults.
     std::shared_ptr<const RefClipModel> model() const;
+    // The model as the file describes it: what the camera shot.
+    const RefClipModel& fileModel() const { return m_fileModel; }
     std::shared_ptr<const RefLut> embeddedLut() const { return m_embeddedLut; }
     std::shared_ptr<const RefLut> sidecarLut() const;
     bool sidecarAttached() const;

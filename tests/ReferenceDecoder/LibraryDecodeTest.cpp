@@ -5,6 +5,7 @@
 #include "LibraryTestSupport.h"
 
 #include "Format/RefLutTools.h"
+#include "Format/RefSidecar.h"
 #include "Render/RefChart.h"
 #include "Render/RefRenderer.h"
 #include "Writer/RefClipWriter.h"
@@ -399,6 +400,36 @@ TEST(LibraryFlow2, ProcessesIntoBuffersOfThePipelinesType)
                   E_INVALIDARG);  // released as the type it was made with
         for (void* gpu : {decodedGPU, working, processed})
             EXPECT_EQ(resources->ReleaseResource(context, queue, gpu, blackmagicRawResourceTypeBufferOpenCL), S_OK);
+    }
+    EXPECT_NO_LIVE_OBJECTS(lib);
+}
+
+// A sidecar's settings are the clip's defaults: they show without any
+// attribute object, measured against what the camera shot.
+TEST_F(DecodeFixture, SidecarSettingsShowInThePixels)
+{
+    const RefClipModel model = smallClip(2);
+    const std::string plainPath = writeClip(folder, "plain.braw", model);
+    const std::string sidecarPath = writeClip(folder, "side.braw", model);
+    twref::RefSidecarSettings settings;
+    settings.iso = 3200;
+    ASSERT_TRUE(twref::RefClipWriter::writeSidecar(sidecarPath, settings));
+    {
+        CodecSession session(lib, &callback);
+        FlowDriver driver(session.codec.get(), callback);
+        Held<IBlackmagicRawClip> plain, withSidecar;
+        ASSERT_EQ(session.open(plainPath, plain), S_OK);
+        ASSERT_EQ(session.open(sidecarPath, withSidecar), S_OK);
+        FlowRequest a, b;
+        a.clip = plain.get();
+        b.clip = withSidecar.get();
+        driver.run(a);
+        driver.run(b);
+        ASSERT_EQ(a.processResult, S_OK);
+        ASSERT_EQ(b.processResult, S_OK);
+        EXPECT_GT(meanChannel(b, 1), meanChannel(a, 1) + 10.0);
+        driver.releaseBuffers(a);
+        driver.releaseBuffers(b);
     }
     EXPECT_NO_LIVE_OBJECTS(lib);
 }

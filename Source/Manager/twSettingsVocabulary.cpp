@@ -4,10 +4,20 @@ const std::vector<qvUtf8String> s_brawColorScienceChoicesStr = {"Version 4", "Ve
 const std::vector<uint16_t> s_brawColorScienceIndexToIntValue = {4, 5};
 
 const std::vector<qvUtf8String> s_brawGamutChoicesStr = {
-    "Blackmagic Design", "Rec.709",           "Rec.2020",          "DCI-P3 D65",
-    "DCI-P3 Theater",    "ACES AP0",          "ACES AP1",          "CIE 1931 XYZ D65",
-    "CIE 1931 XYZ D50 (PCS)", "V-Gamut",      "Canon Cinema Gamut", "ARRI Wide Gamut 3",
-    "DaVinci Wide Gamut", "ARRI Wide Gamut 4",
+    "Blackmagic Design",
+    "Rec.709",
+    "Rec.2020",
+    "DCI-P3 D65",
+    "DCI-P3 Theater",
+    "ACES AP0",
+    "ACES AP1",
+    "CIE 1931 XYZ D65",
+    "CIE 1931 XYZ D50 (PCS)",
+    "V-Gamut",
+    "Canon Cinema Gamut",
+    "ARRI Wide Gamut 3",
+    "DaVinci Wide Gamut",
+    "ARRI Wide Gamut 4",
 };
 
 const std::vector<qvUtf8String> s_brawISOChoicesStr = {"200", "400", "800", "1200", "12000"};

@@ -104,6 +104,9 @@ TEST(Utf8Path, SeparatorEditsAndStyles) {
     EXPECT_EQ(text.Str(), "C:\\x\\");
     EXPECT_EQ(qvUtf8Path(qvUtf8String("a/b\\c")).GetStyle(), qvUtf8Path::STYLE_MIXED);
     EXPECT_EQ(qvUtf8Path(qvUtf8String("abc")).GetStyle(), qvUtf8Path::STYLE_MIXED);
+    EXPECT_EQ(qvUtf8Path(qvUtf8String("C:\\x")).GetSlashChar(qvUtf8Path::STYLE_AUTO), '\\');
+    EXPECT_EQ(qvUtf8Path(qvUtf8String("C:\\x")).GetSlashChar(qvUtf8Path::STYLE_MIXED), '/');
+    EXPECT_EQ(qvUtf8Path(qvUtf8String("/x")).GetSlashChar(qvUtf8Path::STYLE_WINDOWS), '\\');
 
     // The flag sets the product passes.
     EXPECT_EQ(qvUtf8Path(qvUtf8String("C:\\a\\"), 18).Str().Str(), "C:/a");

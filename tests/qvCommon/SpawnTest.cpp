@@ -6,9 +6,11 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -164,14 +166,23 @@ TEST(Spawn, ExceptionsOfCallbacksAreReportedAndEndTheRun) {
 }
 
 TEST(Spawn, NoPipeNoChild) {
+    // Room for exactly one pipe: the second one fails. The first one's two
+    // descriptors are free again by the time the failure is handled.
+    const int first = open("/dev/null", O_RDONLY);
+    const int second = open("/dev/null", O_RDONLY);
+    ASSERT_GE(first, 0);
+    ASSERT_GT(second, first);
+    close(first);
+    close(second);
     rlimit limits;
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limits), 0);
+    rlimit onePipe = limits;
+    onePipe.rlim_cur = static_cast<rlim_t>(second) + 1;
+
     Recorder recorder;
     Spawn::Context context = contextFor(recorder);
     std::string output;
-    rlimit none = limits;
-    none.rlim_cur = 3;
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &onePipe), 0);
     const int result = Spawn::Spawn(std::string("echo never"), nullptr, output, context);
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limits), 0);
 

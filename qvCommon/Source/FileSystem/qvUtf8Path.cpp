@@ -124,7 +124,10 @@ qvUtf8Path::Style qvUtf8Path::GetStyle() const {
     return STYLE_MIXED;
 }
 
-char qvUtf8Path::GetSlashChar(Style style) { return style == STYLE_WINDOWS ? '\\' : '/'; }
+char qvUtf8Path::GetSlashChar(Style style) const {
+    if (style == STYLE_AUTO) style = GetStyle();
+    return style == STYLE_WINDOWS ? '\\' : '/';
+}
 
 std::vector<qvUtf8String> qvUtf8Path::Split() const { return splitAtSlash(posixCopy(text->Str())); }
 
@@ -155,7 +158,7 @@ void qvUtf8Path::SetEmptyExt() {
 
 void qvUtf8Path::AddBackslash(Style style) {
     if (Backslash()) return;
-    *text += GetSlashChar(style == STYLE_AUTO ? GetStyle() : style);
+    *text += GetSlashChar(style);
 }
 
 void qvUtf8Path::RemoveBackslash() {
@@ -179,9 +182,8 @@ void qvUtf8Path::SetWindowsStyle() {
 }
 
 qvUtf8Path& qvUtf8Path::Join(const qvUtf8String& relative, Style style) {
-    const char separator = GetSlashChar(style == STYLE_AUTO ? GetStyle() : style);
     for (const qvUtf8String& field : splitAtSlash(posixCopy(relative.Str()))) {
-        if (!Backslash()) *text += separator;
+        if (!Backslash()) *text += GetSlashChar(style);
         *text += field;
     }
     return *this;

@@ -61,7 +61,8 @@ public:
     // Ends in "/" or "\".
     bool Backslash() const;
     Style GetStyle() const;
-    static char GetSlashChar(Style style);
+    // "\" for STYLE_WINDOWS, "/" for the others; STYLE_AUTO asks GetStyle().
+    char GetSlashChar(Style style) const;
     // "\" read as "/", then split at "/": a leading "/" gives an empty first field.
     std::vector<qvUtf8String> Split() const;
 

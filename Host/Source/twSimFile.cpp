@@ -70,8 +70,9 @@ csSDK_int32 twSimFile::open(PrFileOpenAccess access) {
     rec.inReadWrite = access;
     rec.inImporterID = m_importerID;
     rec.inStreamIdx = 0;
-    // The argument order of the guide: param1 the file reference to fill,
-    // param2 the open record. This is the one place that decides it.
+    // The documented argument order (the interface's own comment block has
+    // them the other way round): param1 the file reference to fill, param2 the
+    // open record. This is the one place that decides it.
     m_openResult = m_host.call(imOpenFile8, &m_fileRef, &rec);
     m_everOpened = true;
     m_closed = false;

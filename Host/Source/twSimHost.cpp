@@ -1,6 +1,7 @@
 #include "twSimHost.h"
 
 #include "twSimFile.h"
+#include "twSimText.h"
 
 #include <cstdint>
 #include <cstring>
@@ -134,6 +135,8 @@ std::vector<twSimFormat> twSimHost::formats(csSDK_int32* endResult) {
         out.push_back(f);
     }
     if (endResult) *endResult = result;
+    m_catalogue = out;
+    m_haveCatalogue = true;
     return out;
 }
 
@@ -155,8 +158,33 @@ std::vector<PrPixelFormat> twSimHost::pixelFormats(csSDK_int32* endResult) {
     return out;
 }
 
+std::vector<std::pair<csSDK_int32, std::string>> twSimHost::subTypeNames(csSDK_int32 fileType, csSDK_int32* result) {
+    std::vector<std::pair<csSDK_int32, std::string>> out;
+    imSubTypeDescriptionRec* names = nullptr;
+    const csSDK_int32 r = call(imGetSubTypeNames, reinterpret_cast<void*>(static_cast<intptr_t>(fileType)), &names);
+    if (result) *result = r;
+    char* block = reinterpret_cast<char*>(names);
+    if (block && m_memory.isLivePtr(block)) {
+        const size_t count = static_cast<size_t>(m_memory.getPtrSize(block)) / sizeof(imSubTypeDescriptionRec);
+        for (size_t i = 0; i < count; ++i) {
+            csSDK_int32 subType = 0;
+            std::memcpy(&subType, block + i * sizeof(imSubTypeDescriptionRec), sizeof(subType));
+            out.emplace_back(subType, twSimText::Utf16ToUtf8(block + i * sizeof(imSubTypeDescriptionRec) + 4, 256));
+        }
+        m_memory.disposePtr(block);
+    }
+    return out;
+}
+
 std::unique_ptr<twSimFile> twSimHost::importFile(const std::string& path) {
+    if (!m_haveCatalogue) formats();
     auto file = std::make_unique<twSimFile>(*this, path);
+    const size_t dot = path.rfind('.');
+    const std::string extension = dot == std::string::npos ? std::string() : path.substr(dot + 1);
+    for (const auto& f : m_catalogue)
+        for (const auto& e : f.extensions)
+            if (e == extension && file->fileType() == 0) file->setFileType(f.filetype);
+    if (file->fileType() == 0 && !m_catalogue.empty()) file->setFileType(m_catalogue.front().filetype);
     if (file->open() == imNoErr) file->getInfo();
     return file;
 }

@@ -112,14 +112,20 @@ public:
 
     // ---- catalogue ----
     // imGetIndFormat / imGetIndPixelFormat from index 0 until the plug-in stops;
-    // the result that ended the enumeration goes to *endResult.
+    // the result that ended the enumeration goes to *endResult. The formats are
+    // kept: importFile() picks a file's type from them.
     std::vector<twSimFormat> formats(csSDK_int32* endResult = nullptr);
     std::vector<PrPixelFormat> pixelFormats(csSDK_int32* endResult = nullptr);
+    // imGetSubTypeNames: the importer allocates the array with newPtr and the
+    // host reads and frees it.
+    std::vector<std::pair<csSDK_int32, std::string>> subTypeNames(csSDK_int32 fileType,
+                                                                  csSDK_int32* result = nullptr);
 
     // ---- files ----
-    // The host's order for an importer that opens its own files: imOpenFile8,
-    // then imGetInfo8. The file is returned whatever the results (see its
-    // openResult() and infoResult()).
+    // The host's order for an importer that opens its own files: the format
+    // catalogue if the host doesn't know it yet (the file type is the format
+    // whose extension the file has), imOpenFile8, then imGetInfo8. The file is
+    // returned whatever the results (see its openResult() and infoResult()).
     std::unique_ptr<twSimFile> importFile(const std::string& path);
 
     // ---- services ----
@@ -160,6 +166,8 @@ private:
     twSimEvents m_events;
     twSimFileRegistry m_registrations;
     std::unique_ptr<twSimPlugin> m_plugin;
+    std::vector<twSimFormat> m_catalogue;
+    bool m_haveCatalogue = false;
     imImportInfoRec m_importInfo{};
     prUTF16Char m_acceleratorExt[256] = {};
     bool m_initialized = false;

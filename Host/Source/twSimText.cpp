@@ -1,5 +1,7 @@
 #include "twSimText.h"
 
+#include <cstring>
+
 namespace twSimText {
 
 namespace {
@@ -105,19 +107,30 @@ std::string Utf16ToUtf8(const std::u16string& utf16) {
     return out;
 }
 
-std::string Utf16ToUtf8(const prUTF16Char* text, size_t maxUnits) {
+std::string Utf16ToUtf8(const void* text, size_t maxUnits) {
     if (!text) return std::string();
+    const auto* bytes = static_cast<const unsigned char*>(text);
     std::u16string units;
-    for (size_t i = 0; i < maxUnits && text[i] != 0; ++i) units += static_cast<char16_t>(text[i]);
+    for (size_t i = 0; i < maxUnits; ++i) {
+        prUTF16Char unit;
+        std::memcpy(&unit, bytes + 2 * i, sizeof(unit));
+        if (unit == 0) break;
+        units += static_cast<char16_t>(unit);
+    }
     return Utf16ToUtf8(units);
 }
 
-void CopyToUtf16Field(const std::string& utf8, prUTF16Char* field, size_t fieldUnits) {
+void CopyToUtf16Field(const std::string& utf8, void* field, size_t fieldUnits) {
     if (!field || fieldUnits == 0) return;
+    auto* bytes = static_cast<unsigned char*>(field);
     const std::u16string units = Utf8ToUtf16(utf8);
     size_t i = 0;
-    for (; i < units.size() && i + 1 < fieldUnits; ++i) field[i] = units[i];
-    field[i] = 0;
+    for (; i < units.size() && i + 1 < fieldUnits; ++i) {
+        const prUTF16Char unit = units[i];
+        std::memcpy(bytes + 2 * i, &unit, sizeof(unit));
+    }
+    const prUTF16Char zero = 0;
+    std::memcpy(bytes + 2 * i, &zero, sizeof(zero));
 }
 
 std::string FourCCLowFirst(csSDK_uint32 code) { return FourCC(code, true); }

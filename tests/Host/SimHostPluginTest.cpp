@@ -39,7 +39,8 @@ TEST_F(SimHostTest, InitHandsTheIdentityAndKeepsTheImporterRecord) {
     std::memcpy(&sourceSettings, bytes + 145, 4);
     EXPECT_EQ(priority, 0x7FFFFFFF);
     EXPECT_EQ(sourceSettings, 1);
-    EXPECT_NE(h.importInfo().acceleratorFileExt, nullptr);
+    const prUTF16Char* accelerator = h.importInfo().acceleratorFileExt;  // packed member: copy it out first
+    EXPECT_NE(accelerator, nullptr);
 
     EXPECT_EQ(h.shutdown(), imNoErr);
     EXPECT_TRUE(h.leakReport().clean()) << h.leakReport().toString();
@@ -60,6 +61,14 @@ TEST_F(SimHostTest, CatalogueEnumeratesUntilThePluginStops) {
     const auto pixels = h.pixelFormats(&end);
     EXPECT_EQ(end, imBadFormatIndex);
     EXPECT_EQ(pixels, (std::vector<PrPixelFormat>{kBgra8, PrPixelFormat_BGRA_4444_32f, PrPixelFormat_BGRA_4444_16u}));
+
+    // The sub-type array is the importer's allocation, read and freed by the host.
+    const auto subTypes = h.subTypeNames(formats[0].filetype, &end);
+    EXPECT_EQ(end, imNoErr);
+    ASSERT_EQ(subTypes.size(), 2u);
+    EXPECT_EQ(subTypes[0], std::make_pair(static_cast<csSDK_int32>(imUncompressed), std::string("Uncompressed")));
+    EXPECT_EQ(subTypes[1].second, "Variant");
+    EXPECT_TRUE(h.leakReport().clean()) << h.leakReport().toString();
 }
 
 TEST_F(SimHostTest, LoadingFailuresAreReported) {
@@ -82,12 +91,18 @@ TEST_F(SimHostTest, FileGoesThroughTheHostsOrderAndLeavesNothingBehind) {
     auto file = h.importFile(path);
     ASSERT_EQ(file->openResult(), imNoErr);
     ASSERT_EQ(file->infoResult(), imNoErr);
-    EXPECT_EQ(h.selectorsCalled(), (std::vector<int>{imInit, imOpenFile8, imGetInfo8}));
+    // The host learns the file's type from the catalogue, then opens, then asks.
+    EXPECT_EQ(h.selectorsCalled(),
+              (std::vector<int>{imInit, imGetIndFormat, imGetIndFormat, imOpenFile8, imGetInfo8}));
+    EXPECT_EQ(file->fileType(), h.formats().front().filetype);
 
+    // Members of packed records are copied out before gtest takes references.
     const imFileInfoRec8& info = file->info();
-    EXPECT_EQ(info.vidInfo.imageWidth, 64);
-    EXPECT_EQ(info.vidInfo.imageHeight, 48);
-    EXPECT_EQ(info.vidDurationInFrames, 10);
+    const csSDK_int32 width = info.vidInfo.imageWidth, height = info.vidInfo.imageHeight;
+    const csSDK_int64 frames = info.vidDurationInFrames;
+    EXPECT_EQ(width, 64);
+    EXPECT_EQ(height, 48);
+    EXPECT_EQ(frames, 10);
     EXPECT_EQ(file->codecDescription(), "Test Codec");
     EXPECT_NE(file->privateData(), nullptr);
     EXPECT_EQ(file->prefsSize(), 8);

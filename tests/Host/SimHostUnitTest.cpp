@@ -182,8 +182,9 @@ TEST(SimHostFrames, ReferencesBelongToTheirHolders) {
     csSDK_int32 rowBytes = 0;
     PrPixelFormat format = PrPixelFormat_Any;
     EXPECT_EQ(ppix->GetBounds(h, &bounds), suiteError_NoError);
-    EXPECT_EQ(bounds.right, 4);
-    EXPECT_EQ(bounds.bottom, 2);
+    const csSDK_int32 right = bounds.right, bottom = bounds.bottom;  // packed record: copy out
+    EXPECT_EQ(right, 4);
+    EXPECT_EQ(bottom, 2);
     EXPECT_EQ(ppix->GetRowBytes(h, &rowBytes), suiteError_NoError);
     EXPECT_EQ(rowBytes, 16);
     EXPECT_EQ(ppix->GetPixelFormat(h, &format), suiteError_NoError);

@@ -67,10 +67,15 @@ std::string Utf8(const prUTF16Char* text) {
     return out;
 }
 
-void Utf16(const std::string& text, prUTF16Char* out, size_t units) {
+// The field may sit at an odd address inside a packed record: write bytewise.
+void Utf16(const std::string& text, void* field, size_t units) {
+    auto* out = static_cast<unsigned char*>(field);
     size_t i = 0;
-    for (; i < text.size() && i + 1 < units; ++i) out[i] = static_cast<unsigned char>(text[i]);
-    out[i] = 0;
+    for (; i < text.size() && i + 1 < units; ++i) {
+        const prUTF16Char unit = static_cast<unsigned char>(text[i]);
+        std::memcpy(out + 2 * i, &unit, 2);
+    }
+    std::memset(out + 2 * i, 0, 2);
 }
 
 SPBasicSuite* Basic(imStdParms* stdParms) { return stdParms->piSuites->utilFuncs->getSPBasicSuite(); }
@@ -231,8 +236,9 @@ public:
         m_inFlight.insert(frame);
         // The request's record lives only for this call: keep what the worker needs.
         imSourceVideoRec copy = rec;
-        auto formats = std::make_shared<std::vector<imFrameFormat>>(rec.inFrameFormats,
-                                                                    rec.inFrameFormats + rec.inNumFrameFormats);
+        const imFrameFormat* first = rec.inFrameFormats;  // packed member: copied, never referenced
+        const csSDK_int32 count = first ? rec.inNumFrameFormats : 0;
+        auto formats = std::make_shared<std::vector<imFrameFormat>>(first, first + count);
         m_workers.emplace_back([this, copy, formats, frame]() mutable {
             copy.inFrameFormats = formats->empty() ? nullptr : formats->data();
             PPixHand h = Render(pd(), copy, frame);
@@ -360,6 +366,19 @@ csSDK_int32 GetIndFormat(int index, imIndFormatRec* rec) {
     std::strncpy(rec->FormatName, "Simulator test clip", sizeof(rec->FormatName) - 1);
     std::strncpy(rec->FormatShortName, "Test clip", sizeof(rec->FormatShortName) - 1);
     std::memcpy(rec->PlatformExtension, "twtest\0twt\0", 11);
+    return imNoErr;
+}
+
+// Two sub-types in an array from the host's newPtr, which the host frees.
+csSDK_int32 GetSubTypeNames(imStdParms* stdParms, int fileType, imSubTypeDescriptionRec** out) {
+    if (fileType != kFileType || !out) return imUnsupported;
+    char* block = Memory(stdParms)->newPtrClear(2 * sizeof(imSubTypeDescriptionRec));
+    auto* names = reinterpret_cast<imSubTypeDescriptionRec*>(block);
+    names[0].subType = static_cast<csSDK_int32>(imUncompressed);
+    Utf16("Uncompressed", names[0].subTypeName, 256);
+    names[1].subType = 0x31;
+    Utf16("Variant", names[1].subTypeName, 256);
+    *out = names;
     return imNoErr;
 }
 
@@ -571,6 +590,8 @@ csSDK_int32 Dispatch(csSDK_int32 selector, imStdParms* stdParms, void* param1, v
             return CreateAsyncImporter(stdParms, static_cast<imAsyncImporterCreationRec*>(param1));
         case imImportAudio7: return ImportAudio(stdParms, static_cast<imImportAudioRec7*>(param2));
         case imGetPrefs8: return GetPrefs(static_cast<imGetPrefsRec*>(param2));
+        case imGetSubTypeNames:
+            return GetSubTypeNames(stdParms, index, static_cast<imSubTypeDescriptionRec**>(param2));
         default: return imUnsupported;
     }
 }

@@ -13,7 +13,8 @@
 //   or array MOVE the value out of the tree: the member is left null (by key)
 //   or empty (by iterator), even when the type turned out wrong. Read such a
 //   value once, and put it back before writing the document again.
-// - The add operations never look for an existing key; remove it first.
+// - The add operations never look for an existing key; remove it first. They
+//   answer QV_JSON_WRITING, changing nothing, when the target is of the wrong kind.
 // Values handed out live in this document's memory: they must not outlive it,
 // nor an initEmptyJSON or read of it.
 

@@ -3,7 +3,16 @@
 #include <fstream>
 #include <sstream>
 
-ImporterTest::ImporterTest() : m_home(m_folder.makeFolder("home")), m_root(m_folder.makeFolder("root")) {}
+ImporterTest::ImporterTest() : m_home(m_folder.makeFolder("home")), m_root(m_folder.makeFolder("root")) {
+    // A complete install where hosts look for plug-ins, so that the install
+    // check started by imInit finds nothing to show.
+    const std::string product = "root/Library/Application Support/Adobe/Common/Plug-ins/7.0/MediaCore/Qervane Tarnwick";
+    m_folder.writeFile(product + "/Tarnwick_Importer.bundle/Contents/Linux/Tarnwick_Importer.so", "so");
+    m_folder.makeFolder(product + "/Tarnwick_Source_Settings.plugin/Contents");
+    m_folder.makeFolder(product + "/Tarnwick_Layer_Settings.plugin/Contents");
+    m_folder.writeFile(product + "/libBlackmagicRawAPI.so", "so");
+    m_folder.writeFile(product + "/Tarnwick.app/Contents/MacOS/Tarnwick", "exe");
+}
 
 twSimHost& ImporterTest::start(const twSimIdentity& identity) {
     m_host.reset();

@@ -20,6 +20,7 @@ struct LogLine {
 
 class ImporterTest : public ::testing::Test {
 protected:
+    // The home folder is empty; the system root holds a complete install.
     ImporterTest();
 
     // A fresh host of that identity with the plug-in loaded and the test roots

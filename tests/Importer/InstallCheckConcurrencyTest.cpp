@@ -4,6 +4,7 @@
 #include "ImporterTestSupport.h"
 
 #include <atomic>
+#include <filesystem>
 #include <chrono>
 #include <cstdint>
 #include <thread>
@@ -73,4 +74,44 @@ TEST_F(ImporterConcurrencyTest, InstallCheckRunsDetachedAtLowPriorityBesideTheHo
 
     ASSERT_EQ(host().shutdown(), imNoErr);
     EXPECT_TRUE(host().leakReport().clean()) << host().leakReport().toString();
+}
+
+TEST_F(ImporterConcurrencyTest, BrokenInstallIsShownFromTheCheckThread) {
+    // A needed sibling of the importer is missing.
+    std::filesystem::remove_all(m_root + "/Library/Application Support/Adobe/Common/Plug-ins/7.0/MediaCore/"
+                                         "Qervane Tarnwick/Tarnwick_Layer_Settings.plugin");
+    writeOptions("INFO");
+    start();
+    ASSERT_EQ(host().init(), imNoErr);
+
+    const std::string broken =
+        "3|BRAW - Tarnwick plugins aren't installed correctly, please try to re-install, or get a more precise "
+        "diagnostic with the Tarnwick Desktop application.|";
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+    std::vector<std::string> shown;
+    while (std::chrono::steady_clock::now() < deadline) {
+        shown = events();
+        if (shown.size() == 2) break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    // The logging warning comes from imInit itself; the install box whenever the check is done.
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_TRUE(shown[0] == broken || shown[1] == broken) << shown[0] << "\n" << shown[1];
+    LogLine check;
+    ASSERT_TRUE(waitForInstallCheckLine(check));
+    EXPECT_EQ(check.level, "ERR");
+    EXPECT_EQ(host().suites().outstanding(kPrSDKErrorSuite), 0);
+}
+
+TEST_F(ImporterConcurrencyTest, CheckThatCannotSearchIsOnlyLogged) {
+    std::filesystem::remove_all(m_root + "/Library");
+    writeOptions("INFO");
+    start();
+    ASSERT_EQ(host().init(), imNoErr);
+    LogLine check;
+    ASSERT_TRUE(waitForInstallCheckLine(check));
+    EXPECT_EQ(check.level, "ERR");
+    EXPECT_EQ(check.message.rfind("Error in CheckInstallFolder : ", 0), 0u) << check.message;
+    ASSERT_EQ(events().size(), 1u);
+    EXPECT_EQ(events()[0].rfind("2|BRAW - /!\\ Logs are enabled !", 0), 0u);
 }

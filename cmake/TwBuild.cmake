@@ -5,7 +5,8 @@ set(TW_INSTALL_PRODUCT_DIR "MediaCore/Qervane Tarnwick")
 set(TW_PLUGIN_BUNDLE_DIR "${TW_INSTALL_PRODUCT_DIR}/Tarnwick_Importer.bundle/Contents/Linux")
 
 if(TW_SANITIZE STREQUAL "address")
-  set(TW_SANITIZER_FLAGS -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  set(TW_SANITIZER_FLAGS -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer
+      -fsanitize-ignorelist=${CMAKE_CURRENT_LIST_DIR}/ubsan-ignorelist.txt)
 elseif(TW_SANITIZE STREQUAL "thread")
   set(TW_SANITIZER_FLAGS -fsanitize=thread -fno-omit-frame-pointer)
 elseif(NOT TW_SANITIZE STREQUAL "")

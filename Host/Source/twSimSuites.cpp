@@ -31,10 +31,12 @@ SPErr twSimSuites::acquire(const char* name, int version, const void** suite) {
     auto it = m_served.find(key);
     if (it == m_served.end() || !it->second.available) {
         ++m_counts[key].refused;
+        m_calls.push_back({true, key.first, version, kSPSuiteNotFoundError});
         m_diagnostics.add(twSimIssue::SuiteNotFound, std::string("\"") + name + "\" version " + std::to_string(version));
         return kSPSuiteNotFoundError;
     }
     *suite = it->second.table;
+    m_calls.push_back({true, key.first, version, kSPNoError});
     ++m_counts[key].acquired;
     ++m_open[key];
     return kSPNoError;
@@ -48,6 +50,7 @@ SPErr twSimSuites::release(const char* name, int version) {
     const std::pair<std::string, int> key{name, version};
     std::lock_guard<std::mutex> lock(m_mutex);
     ++m_counts[key].released;
+    m_calls.push_back({false, key.first, version, kSPNoError});
     auto open = m_open.find(key);
     if (open != m_open.end() && open->second > 0) {
         --open->second;
@@ -64,6 +67,7 @@ SPErr twSimSuites::release(const char* name, int version) {
         }
     }
     m_diagnostics.add(twSimIssue::ReleaseNotAcquired, std::string("\"") + name + "\" version " + std::to_string(version));
+    m_calls.back().result = kSPSuiteNotFoundError;
     return kSPSuiteNotFoundError;
 }
 
@@ -107,4 +111,9 @@ std::vector<std::string> twSimSuites::unreleased() const {
     for (const auto& p : perName)
         out.push_back("suite \"" + p.first + "\" acquired " + std::to_string(p.second) + " more time(s) than released");
     return out;
+}
+
+std::vector<twSimSuiteCall> twSimSuites::calls() const {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_calls;
 }

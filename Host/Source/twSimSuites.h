@@ -23,6 +23,14 @@ struct twSimSuiteUsage {
     int refused = 0;   // acquires refused (unknown or switched off)
 };
 
+// One AcquireSuite or ReleaseSuite call, as the plug-in made it.
+struct twSimSuiteCall {
+    bool acquire = true;
+    std::string name;
+    int version = 0;
+    SPErr result = kSPNoError;
+};
+
 class twSimSuites {
 public:
     explicit twSimSuites(twSimDiagnostics& diagnostics);
@@ -43,6 +51,8 @@ public:
     int acquireCount(const std::string& name) const;
     // One line per suite name with acquires not released.
     std::vector<std::string> unreleased() const;
+    // Every acquire and release in call order, refused ones included.
+    std::vector<twSimSuiteCall> calls() const;
 
 private:
     struct Served {
@@ -61,4 +71,5 @@ private:
     std::map<std::pair<std::string, int>, Counts> m_counts;
     // Outstanding acquires per name and version, settled by releases.
     std::map<std::pair<std::string, int>, int> m_open;
+    std::vector<twSimSuiteCall> m_calls;
 };

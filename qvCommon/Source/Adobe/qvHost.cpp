@@ -18,3 +18,39 @@ qvUtf8String QV_APP_ENUM::toString() const {
         default: return qvUtf8String(std::to_string(unsigned(m_value)));
     }
 }
+
+PXC_HOST appEnum2pxcHost(QV_APP_ENUM app) {
+    switch (static_cast<uint8_t>(app)) {
+        case QV_APP_ENUM::QV_APP_PPRO: return PXC_HOST_PPRO;
+        case QV_APP_ENUM::QV_APP_AE: return PXC_HOST_AE;
+        case QV_APP_ENUM::QV_APP_AME: return PXC_HOST_AME;
+        case QV_APP_ENUM::QV_APP_DESKTOP: return PXC_HOST_DESKTOP;
+        default: return PXC_HOST_UNKNOWN;
+    }
+}
+
+qvHostBase::qvHostBase(const std::wstring& parentFolder, PXC_HOST inHost)
+    : dylibParentFolder(parentFolder), host(inHost) {}
+
+qvHostBase::~qvHostBase() = default;
+
+void qvHostBase::UpdateHostInfo() {
+    buildNumber = -1;
+    productName.clear();
+    versionText.clear();
+    productTitle.clear();
+}
+
+void qvHostBase::SetupAfterDerivedHostInfo() {
+    isAE = host == PXC_HOST_AE;
+    isPPro = host == PXC_HOST_PPRO;
+    isAME = host == PXC_HOST_AME;
+    isDesktop = host == PXC_HOST_DESKTOP;
+    switch (host) {
+        case PXC_HOST_AE: hostName = L"After Effects"; break;
+        case PXC_HOST_PPRO: hostName = L"Premiere Pro"; break;
+        case PXC_HOST_AME: hostName = L"Media Encoder"; break;
+        default: hostName = L"Unknown Host"; break;
+    }
+    popupTitle = productName + L" " + versionText + L" for " + hostName;
+}

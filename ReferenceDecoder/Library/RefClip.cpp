@@ -7,8 +7,6 @@
 #include "Library/RefVariant.h"
 #include "Render/RefAudioRenderer.h"
 
-#include <cmath>
-#include <limits>
 
 namespace twref {
 namespace {
@@ -364,24 +362,10 @@ HRESULT RefClip::GetClosestScaleForResolution(uint32_t resolutionWidthPixels, ui
         return E_POINTER;
     if (HRESULT hr = m_hooks.enter("ClipResolutions.GetClosestScaleForResolution"); hr != S_OK)
         return hr;
-    const std::vector<RefResolution> list = m_geometry.resolutions(*m_data->model());
-    if (list.empty())
+    uint32_t scale = 0;
+    if (!m_geometry.scaleForSize(*m_data->model(), resolutionWidthPixels, resolutionHeightPixels, scale))
         return E_FAIL;
-    const double wanted = double(resolutionWidthPixels) * double(resolutionHeightPixels);
-    const RefResolution* best = nullptr;
-    double bestDistance = std::numeric_limits<double>::max();
-    for (const RefResolution& r : list) {
-        if (r.width == resolutionWidthPixels && r.height == resolutionHeightPixels) {
-            best = &r;
-            break;
-        }
-        const double distance = std::fabs(double(r.width) * double(r.height) - wanted);
-        if (distance < bestDistance) {
-            bestDistance = distance;
-            best = &r;
-        }
-    }
-    *resolutionScale = static_cast<BlackmagicRawResolutionScale>(best->scale);
+    *resolutionScale = scale;
     return S_OK;
 }
 

@@ -75,19 +75,23 @@ std::vector<RefResolution> RefViewGeometry::resolutions(const RefClipModel& mode
 bool RefViewGeometry::sizeForScale(const RefClipModel& model, uint32_t scale, uint32_t& width, uint32_t& height) const
 {
     const RefResolutionScale code = static_cast<RefResolutionScale>(scale);
-    const uint32_t divisor = refScaleDivisor(code);
-    if (divisor == 0 || refScaleIsUpsideDown(code))
+    if (refScaleDivisor(code) == 0 || refScaleIsUpsideDown(code))
         return false;
-    for (const RefResolution& r : resolutions(model)) {
-        if (r.scale == code) {
-            width = r.width;
-            height = r.height;
-            return true;
-        }
-    }
-    fullSize(model, width, height);
-    width /= divisor;
-    height /= divisor;
+    if (!refClosestResolutionForScale(model, code, width, height))
+        return false;
+    width = scaled(width, anamorphicFactor(model));
+    return true;
+}
+
+bool RefViewGeometry::scaleForSize(const RefClipModel& model, uint32_t width, uint32_t height, uint32_t& scale) const
+{
+    // The model's table is unsqueezed: look the width up as it was recorded.
+    const double factor = anamorphicFactor(model);
+    const uint32_t recorded = factor == 1.0 ? width : uint32_t(std::lround(double(width) / factor));
+    RefResolutionScale code = RefResolutionScale::Full;
+    if (!refClosestScaleForResolution(model, recorded, height, code))
+        return false;
+    scale = static_cast<uint32_t>(code);
     return true;
 }
 

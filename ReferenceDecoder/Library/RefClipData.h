@@ -37,6 +37,8 @@ struct RefViewGeometry {
     // else the full size divided by the scale. False for a code that is no
     // scale of this interface generation.
     bool sizeForScale(const RefClipModel& model, uint32_t scale, uint32_t& width, uint32_t& height) const;
+    // The scale of the entry of that size, else of the entry nearest in area.
+    bool scaleForSize(const RefClipModel& model, uint32_t width, uint32_t height, uint32_t& scale) const;
     // Reads a caller's geometry object through its interface.
     static HRESULT fromObject(IBlackmagicRawClipGeometry* object, RefViewGeometry& out);
 };
@@ -62,6 +64,8 @@ public:
 
     // The model with the sidecar applied: the clip's current defaults.
     std::shared_ptr<const RefClipModel> model() const;
+    // The model as the file describes it: what the camera shot.
+    const RefClipModel& fileModel() const { return m_fileModel; }
     std::shared_ptr<const RefLut> embeddedLut() const { return m_embeddedLut; }
     std::shared_ptr<const RefLut> sidecarLut() const;
     bool sidecarAttached() const;

@@ -1,6 +1,7 @@
 // The library's exported C functions: the factory, the Variant and SafeArray
 // helpers, and the live-object report for tests.
 
+#include "Library/RefDecoderDebug.h"
 #include "Library/RefFactory.h"
 #include "Library/RefLibObject.h"
 #include "Library/RefLibraryConfig.h"
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <type_traits>
 
 #define TW_REF_EXPORT extern "C" __attribute__((visibility("default")))
 
@@ -95,3 +97,6 @@ TW_REF_EXPORT uint64_t twRefDecoderLiveObjects(char* report, uint32_t reportSize
         return 0;
     }
 }
+
+static_assert(std::is_same<decltype(&twRefDecoderLiveObjects), TwRefDecoderLiveObjectsFunc>::value,
+              "the report's published signature");

@@ -100,8 +100,9 @@ HRESULT RefFrame::describe(RefFrameState& state, IBlackmagicRawClipProcessingAtt
                   (m_geometry.flipHorizontal() ? RefFrameState::kFlipHorizontal : 0);
     const std::shared_ptr<const RefLut> lut = settings.activeLut();
     state.lutSize = lut ? lut->size : 0;
-    state.setSettings(
-        RefRenderSettings::fromAttributes(settings.clipAttributes(), settings.frameAttributes(), *m_model));
+    // Neutral is what the camera shot, not what a sidecar asks for.
+    state.setSettings(RefRenderSettings::fromAttributes(settings.clipAttributes(), settings.frameAttributes(),
+                                                        m_clip->fileModel()));
     state.seal();
     return S_OK;
 }

@@ -116,8 +116,10 @@ TEST_F(LibraryConcurrency, FlushJobsInsideACallbackWaitsForTheOtherJobs)
             }
             driven(job, hr, frame);
         };
-        for (auto& r : requests)
-            driver.submit(*r);
+        // The flushing request goes last, so that every other one is in
+        // flight (or done) by the time its callback runs.
+        for (size_t i = requests.size(); i-- > 0;)
+            driver.submit(*requests[i]);
         ASSERT_EQ(session.codec->FlushJobs(), S_OK);
         EXPECT_EQ(unfinishedAtFlush.load(), 0);
         for (auto& r : requests) {

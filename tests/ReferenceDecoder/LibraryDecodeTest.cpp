@@ -5,6 +5,7 @@
 #include "LibraryTestSupport.h"
 
 #include "Format/RefLutTools.h"
+#include "Format/RefSidecar.h"
 #include "Render/RefChart.h"
 #include "Render/RefRenderer.h"
 #include "Writer/RefClipWriter.h"
@@ -285,6 +286,150 @@ TEST_F(DecodeFixture, BadFlowInputGivesErrorResults)
         ASSERT_EQ(job->Submit(), S_OK);
         ASSERT_EQ(session.codec->FlushJobs(), S_OK);
         EXPECT_LT(decodeResult, 0);
+    }
+    EXPECT_NO_LIVE_OBJECTS(lib);
+}
+
+// Flow 2 on a GPU pipeline of the facts file: decoded data copied to a "GPU"
+// buffer of the resource manager, processed there, typed as the pipeline's.
+TEST(LibraryFlow2, ProcessesIntoBuffersOfThePipelinesType)
+{
+    TempFolder folder;
+    const std::string facts = R"({"pipelines": [{"pipeline": "cpub"},
+        {"pipeline": "opcl", "devices": [{"name": "CL", "context": 16, "command_queue": 32}]}]})";
+    RefLibrary lib(RefLibrary::copyWithFacts(folder, "lib", facts));
+    const RefClipModel model = smallClip(2);
+    const std::string path = writeClip(folder, "gpu.braw", model);
+    RecordingCallback callback;
+    {
+        CodecSession session(lib, &callback);
+        Held<IBlackmagicRawConfiguration> configuration;
+        Held<IBlackmagicRawConfigurationEx> configurationEx;
+        Held<IBlackmagicRawManualDecoderFlow2> flow;
+        Held<IBlackmagicRawResourceManager> resources;
+        ASSERT_EQ(queryInto(session.codec.get(), IID_IBlackmagicRawConfiguration, configuration), S_OK);
+        ASSERT_EQ(configuration->SetPipeline(blackmagicRawPipelineOpenCL, reinterpret_cast<void*>(16),
+                                             reinterpret_cast<void*>(32)),
+                  S_OK);
+        ASSERT_EQ(queryInto(session.codec.get(), IID_IBlackmagicRawConfigurationEx, configurationEx), S_OK);
+        ASSERT_EQ(configurationEx->GetResourceManager(resources.out()), S_OK);
+        ASSERT_EQ(queryInto(session.codec.get(), IID_IBlackmagicRawManualDecoderFlow2, flow), S_OK);
+        Held<IBlackmagicRawClip> clip;
+        ASSERT_EQ(session.open(path, clip), S_OK);
+        Held<IBlackmagicRawClipEx> clipEx;
+        ASSERT_EQ(queryInto(clip.get(), IID_IBlackmagicRawClipEx, clipEx), S_OK);
+
+        void* context = reinterpret_cast<void*>(16);
+        void* queue = reinterpret_cast<void*>(32);
+        const auto create = [&](uint32_t size, BlackmagicRawResourceType type) {
+            void* resource = nullptr;
+            EXPECT_EQ(resources->CreateResource(context, queue, size, type,
+                                                type == blackmagicRawResourceTypeBufferCPU
+                                                    ? blackmagicRawResourceUsageReadCPUWriteCPU
+                                                    : blackmagicRawResourceUsageReadGPUWriteGPU,
+                                                &resource),
+                      S_OK);
+            return resource;
+        };
+        uint32_t bitStreamSize = 0, stateSize = 0, decodedSize = 0, workingSize = 0, processedSize = 0;
+        ASSERT_EQ(clipEx->GetBitStreamSizeBytes(1, &bitStreamSize), S_OK);
+        ASSERT_EQ(flow->GetFrameStateSizeBytes(&stateSize), S_OK);
+        void* bitStream = create(bitStreamSize, blackmagicRawResourceTypeBufferCPU);
+        void* state = create(stateSize, blackmagicRawResourceTypeBufferCPU);
+        void* decodedCPU = nullptr;
+        void* decodedGPU = nullptr;
+        void* working = nullptr;
+        void* processed = nullptr;
+        BlackmagicRawResourceType imageType = 0;
+        void* imageContext = nullptr;
+        std::vector<uint8_t> pixels;
+
+        callback.onRead = [&](IBlackmagicRawJob*, HRESULT hr, IBlackmagicRawFrame* frame) {
+            ASSERT_EQ(hr, S_OK);
+            ASSERT_EQ(flow->PopulateFrameStateBuffer(frame, nullptr, nullptr, state, stateSize), S_OK);
+            ASSERT_EQ(flow->GetDecodedSizeBytes(state, &decodedSize), S_OK);
+            decodedCPU = create(decodedSize, blackmagicRawResourceTypeBufferCPU);
+            Held<IBlackmagicRawJob> job;
+            ASSERT_EQ(flow->CreateJobDecode(state, bitStream, decodedCPU, job.out()), S_OK);
+            ASSERT_EQ(job->Submit(), S_OK);
+        };
+        callback.onDecode = [&](IBlackmagicRawJob*, HRESULT hr) {
+            ASSERT_EQ(hr, S_OK);
+            ASSERT_EQ(flow->GetWorkingSizeBytes(state, &workingSize), S_OK);
+            ASSERT_EQ(flow->GetProcessedSizeBytes(state, &processedSize), S_OK);
+            decodedGPU = create(decodedSize, blackmagicRawResourceTypeBufferOpenCL);
+            working = create(workingSize, blackmagicRawResourceTypeBufferOpenCL);
+            processed = create(processedSize, blackmagicRawResourceTypeBufferOpenCL);
+            EXPECT_EQ(resources->CopyResource(context, queue, decodedCPU, blackmagicRawResourceTypeBufferCPU,
+                                              decodedGPU, blackmagicRawResourceTypeBufferCPU, decodedSize, true),
+                      E_INVALIDARG);  // the GPU buffer is not of that type
+            EXPECT_EQ(resources->CopyResource(context, queue, decodedCPU, blackmagicRawResourceTypeBufferCPU,
+                                              decodedGPU, blackmagicRawResourceTypeBufferOpenCL, decodedSize + 1,
+                                              true),
+                      E_INVALIDARG);  // past its end
+            ASSERT_EQ(resources->CopyResource(context, queue, decodedCPU, blackmagicRawResourceTypeBufferCPU,
+                                              decodedGPU, blackmagicRawResourceTypeBufferOpenCL, decodedSize, true),
+                      S_OK);
+            Held<IBlackmagicRawJob> job;
+            ASSERT_EQ(flow->CreateJobProcess(context, queue, state, decodedGPU, working, processed, nullptr, job.out()),
+                      S_OK);
+            ASSERT_EQ(job->Submit(), S_OK);
+        };
+        callback.onProcess = [&](IBlackmagicRawJob*, HRESULT hr, IBlackmagicRawProcessedImage* image) {
+            ASSERT_EQ(hr, S_OK);
+            void* queueSeen = nullptr;
+            void* resource = nullptr;
+            uint32_t size = 0;
+            image->GetResourceType(&imageType);
+            image->GetResourceContextAndCommandQueue(&imageContext, &queueSeen);
+            image->GetResource(&resource);
+            image->GetResourceSizeBytes(&size);
+            pixels.assign(static_cast<uint8_t*>(resource), static_cast<uint8_t*>(resource) + size);
+        };
+        Held<IBlackmagicRawJob> read;
+        ASSERT_EQ(clipEx->CreateJobReadFrame(1, bitStream, bitStreamSize, read.out()), S_OK);
+        ASSERT_EQ(read->Submit(), S_OK);
+        ASSERT_EQ(session.codec->FlushJobs(), S_OK);
+        EXPECT_EQ(imageType, BlackmagicRawResourceType(blackmagicRawResourceTypeBufferOpenCL));
+        EXPECT_EQ(imageContext, context);
+        EXPECT_EQ(pixels, expectedPicture(model, 1, twref::RefResourceFormat::RGBAU8, 256, 144));
+
+        for (void* cpu : {bitStream, state, decodedCPU})
+            EXPECT_EQ(resources->ReleaseResource(context, queue, cpu, blackmagicRawResourceTypeBufferCPU), S_OK);
+        EXPECT_EQ(resources->ReleaseResource(context, queue, working, blackmagicRawResourceTypeBufferCPU),
+                  E_INVALIDARG);  // released as the type it was made with
+        for (void* gpu : {decodedGPU, working, processed})
+            EXPECT_EQ(resources->ReleaseResource(context, queue, gpu, blackmagicRawResourceTypeBufferOpenCL), S_OK);
+    }
+    EXPECT_NO_LIVE_OBJECTS(lib);
+}
+
+// A sidecar's settings are the clip's defaults: they show without any
+// attribute object, measured against what the camera shot.
+TEST_F(DecodeFixture, SidecarSettingsShowInThePixels)
+{
+    const RefClipModel model = smallClip(2);
+    const std::string plainPath = writeClip(folder, "plain.braw", model);
+    const std::string sidecarPath = writeClip(folder, "side.braw", model);
+    twref::RefSidecarSettings settings;
+    settings.iso = 3200;
+    ASSERT_TRUE(twref::RefClipWriter::writeSidecar(sidecarPath, settings));
+    {
+        CodecSession session(lib, &callback);
+        FlowDriver driver(session.codec.get(), callback);
+        Held<IBlackmagicRawClip> plain, withSidecar;
+        ASSERT_EQ(session.open(plainPath, plain), S_OK);
+        ASSERT_EQ(session.open(sidecarPath, withSidecar), S_OK);
+        FlowRequest a, b;
+        a.clip = plain.get();
+        b.clip = withSidecar.get();
+        driver.run(a);
+        driver.run(b);
+        ASSERT_EQ(a.processResult, S_OK);
+        ASSERT_EQ(b.processResult, S_OK);
+        EXPECT_GT(meanChannel(b, 1), meanChannel(a, 1) + 10.0);
+        driver.releaseBuffers(a);
+        driver.releaseBuffers(b);
     }
     EXPECT_NO_LIVE_OBJECTS(lib);
 }

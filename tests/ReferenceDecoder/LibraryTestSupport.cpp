@@ -26,7 +26,7 @@ RefLibrary::RefLibrary(const std::string& path)
     if (!m_handle)
         throw std::runtime_error(std::string("dlopen: ") + dlerror());
     m_create = reinterpret_cast<CreateBlackmagicRawFactoryInstanceFunc>(symbol("CreateBlackmagicRawFactoryInstance"));
-    m_live = reinterpret_cast<uint64_t (*)(char*, uint32_t)>(symbol("twRefDecoderLiveObjects"));
+    m_live = reinterpret_cast<TwRefDecoderLiveObjectsFunc>(symbol(TW_REF_DECODER_LIVE_OBJECTS_SYMBOL));
     variantInit = reinterpret_cast<VariantInitFunc>(symbol("VariantInit"));
     variantClear = reinterpret_cast<VariantClearFunc>(symbol("VariantClear"));
     safeArrayCreate = reinterpret_cast<SafeArrayCreateFunc>(symbol("SafeArrayCreate"));

@@ -5,6 +5,7 @@
 // interfaces only.
 
 #include "Format/RefClipModel.h"
+#include "Library/RefDecoderDebug.h"
 #include "TempFolder.h"
 
 #include <BlackmagicRawAPI.h>
@@ -51,7 +52,7 @@ public:
 private:
     void* m_handle = nullptr;
     CreateBlackmagicRawFactoryInstanceFunc m_create = nullptr;
-    uint64_t (*m_live)(char*, uint32_t) = nullptr;
+    TwRefDecoderLiveObjectsFunc m_live = nullptr;
 };
 
 // Everything the library still holds, listed when it is not nothing.

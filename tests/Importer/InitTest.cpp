@@ -203,3 +203,16 @@ TEST_F(ImporterTest, OldReleasesFilesMoveOrStayAndOldEmptyFoldersGo) {
     host().shutdown();
     EXPECT_TRUE(host().leakReport().clean()) << host().leakReport().toString();
 }
+
+TEST_F(ImporterTest, CacheThatCannotBeEmptiedIsOnlyLogged) {
+    writeOptions("INFO");
+    m_folder.writeFile("home/Library/Application Support/Qervane/Tarnwick/Cache", "not a folder");
+    start();
+    ASSERT_EQ(host().init(), imNoErr);
+    host().shutdown();
+    const std::vector<std::string> shown = events();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].rfind("2|BRAW - /!\\ Logs are enabled !", 0), 0u);
+    EXPECT_EQ(errorMessages(),
+              std::vector<std::string>{"Impossible to clear Cache : cleanFolder - FolderPath input is not a folder"});
+}

@@ -71,7 +71,8 @@ protected:
 TEST_F(PrivateDataTest, SuitesComeInTheirOrderAndGoBackInTheirsWithTheCacheAsVersionEight) {
     start();
     ASSERT_EQ(TWI_PrivateData_AcquireSuites(stdParms(), record()), 0);
-    EXPECT_EQ(record()->memFuncs, stdParms()->piSuites->memFuncs);
+    PlugMemoryFuncs* const hostMemory = stdParms()->piSuites->memFuncs;
+    EXPECT_EQ(record()->memFuncs, hostMemory);
     EXPECT_NE(record()->basicSuite, nullptr);
     EXPECT_EQ(record()->ticksPerSecond, twSimHostConfig().ticksPerSecond);
     const std::vector<SuiteCall> acquired = {

@@ -5,6 +5,7 @@
 
 #include "ImporterTestSupport.h"
 
+#include "Library/RefDecoderDebug.h"
 #include "twExpectedDecoderSize.h"
 
 #include <dlfcn.h>
@@ -30,8 +31,8 @@ void copyFile(const std::string& from, const std::string& to) {
 }
 
 uint64_t decoderLiveObjects() {
-    using LiveObjects = uint64_t (*)(char*, uint32_t);
-    const auto live = reinterpret_cast<LiveObjects>(dlsym(RTLD_DEFAULT, "twRefDecoderLiveObjects"));
+    const auto live =
+        reinterpret_cast<TwRefDecoderLiveObjectsFunc>(dlsym(RTLD_DEFAULT, TW_REF_DECODER_LIVE_OBJECTS_SYMBOL));
     return live ? live(nullptr, 0) : 0;
 }
 

@@ -1,6 +1,7 @@
 #include "ManagerTestSupport.h"
 
 #include "ProductConfig.h"
+#include "Library/RefDecoderDebug.h"
 #include "Utils/qvLogging.h"
 #include "Writer/RefClipWriter.h"
 
@@ -35,10 +36,10 @@ int64_t fileSize(const std::string& path) {
     return stat(path.c_str(), &info) == 0 ? static_cast<int64_t>(info.st_size) : -1;
 }
 
-using LiveObjectsFunc = uint64_t (*)(char*, uint32_t);
-
-LiveObjectsFunc liveObjectsFunction() {
-    return reinterpret_cast<LiveObjectsFunc>(dlsym(RTLD_DEFAULT, "twRefDecoderLiveObjects"));
+// The library is loaded into the process's global scope, so its debug entry is
+// found without its handle.
+TwRefDecoderLiveObjectsFunc liveObjectsFunction() {
+    return reinterpret_cast<TwRefDecoderLiveObjectsFunc>(dlsym(RTLD_DEFAULT, TW_REF_DECODER_LIVE_OBJECTS_SYMBOL));
 }
 
 }  // namespace
@@ -65,12 +66,12 @@ void writeFacts(const std::string& folder, const std::string& facts) {
 }
 
 uint64_t decoderLiveObjects() {
-    const LiveObjectsFunc live = liveObjectsFunction();
+    const TwRefDecoderLiveObjectsFunc live = liveObjectsFunction();
     return live ? live(nullptr, 0) : 0;
 }
 
 std::string decoderLiveReport() {
-    const LiveObjectsFunc live = liveObjectsFunction();
+    const TwRefDecoderLiveObjectsFunc live = liveObjectsFunction();
     if (!live) return std::string();
     std::vector<char> text(1 << 16);
     live(text.data(), static_cast<uint32_t>(text.size()));

@@ -55,7 +55,8 @@ protected:
         const auto size = static_cast<int64_t>(std::filesystem::file_size(library));
         const int64_t wanted = static_cast<int64_t>(TW_EXPECTED_DECODER_SIZE) + extraBytes;
         ASSERT_GE(wanted, size) << "the accepted decoder size is below the size of the built one";
-        std::ofstream(library, std::ios::binary | std::ios::app) << std::string(static_cast<size_t>(wanted - size), '\0');
+        std::ofstream(library, std::ios::binary | std::ios::app)
+            << std::string(static_cast<size_t>(wanted - size), '\0');
         if (!facts.empty()) std::ofstream(folder + "libBlackmagicRawAPI.json") << facts;
     }
 
@@ -86,11 +87,14 @@ protected:
         }
         return out;
     }
-    // What the host was shown, but for the warning that logs are on.
-    std::vector<std::string> eventsBesideLogWarning() const {
+    // What the host was shown about the decoder library. (The install check,
+    // on its own thread, may show its own findings about the test's layout.)
+    std::vector<std::string> decoderEvents() const {
         std::vector<std::string> out;
         for (const std::string& event : events()) {
-            if (event.find("Logs are enabled") == std::string::npos) out.push_back(event);
+            if (event.find("Blackmagic") != std::string::npos || event.find("OpenFile") != std::string::npos) {
+                out.push_back(event);
+            }
         }
         return out;
     }
@@ -128,7 +132,7 @@ TEST_F(DecoderLoading, LibraryBesideThePluginGivesAWorkingManagerThatLogsItsCode
                              "    - Camera Supported Version : 5.0 e2e cameras\n"),
               std::string::npos)
         << logText();
-    EXPECT_TRUE(eventsBesideLogWarning().empty()) << eventsBesideLogWarning()[0];
+    EXPECT_EQ(decoderEvents(), std::vector<std::string>());
 
     ASSERT_EQ(host().shutdown(), imNoErr);
     EXPECT_TRUE(host().leakReport().clean()) << host().leakReport().toString();
@@ -171,12 +175,12 @@ TEST_F(DecoderLoading, WithoutLibraryTheImporterStillStartsAndKeepsTheReasonQuie
     writeOptions("INFO");
     startFrom(plugin);
     ASSERT_EQ(host().init(), imNoErr);
-    EXPECT_EQ(loadingLines(), (std::vector<std::string>{
-                                  "ERR Failed to create IBlackmagicRawFactory with this path " + productCopy(),
-                                  "ERR Failed to create IBlackmagicRawFactory with this path " + fixedFolder(),
-                                  "ERR qvBRAW_Manager init - Instance BMInit was false"}));
+    EXPECT_EQ(loadingLines(),
+              (std::vector<std::string>{"ERR Failed to create IBlackmagicRawFactory with this path " + productCopy(),
+                                        "ERR Failed to create IBlackmagicRawFactory with this path " + fixedFolder(),
+                                        "ERR qvBRAW_Manager init - Instance BMInit was false"}));
     // Nothing reaches the user at start: the first file opened tells.
-    EXPECT_TRUE(eventsBesideLogWarning().empty()) << eventsBesideLogWarning()[0];
+    EXPECT_EQ(decoderEvents(), std::vector<std::string>());
     ASSERT_EQ(host().shutdown(), imNoErr);
     EXPECT_TRUE(host().leakReport().clean()) << host().leakReport().toString();
 }
@@ -192,7 +196,7 @@ TEST_F(DecoderLoading, LibraryOfAnotherBuildIsLoadedButRefused) {
                                   "INFO Dll Filesize : " + size(1),
                                   "ERR qvBRAW_Manager init - BlackmagicRawAPI seems to be an old version."}));
     EXPECT_EQ(logText().find("logCodecConfiguration"), std::string::npos);
-    EXPECT_TRUE(eventsBesideLogWarning().empty()) << eventsBesideLogWarning()[0];
+    EXPECT_EQ(decoderEvents(), std::vector<std::string>());
     ASSERT_EQ(host().shutdown(), imNoErr);
     EXPECT_EQ(decoderLiveObjects(), 0u);
 }

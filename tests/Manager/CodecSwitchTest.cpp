@@ -41,7 +41,7 @@ protected:
     std::unique_ptr<qvBRAW_Manager> m_manager;
 };
 
-void *address(uintptr_t value) { return reinterpret_cast<void*>(value); }
+void* address(uintptr_t value) { return reinterpret_cast<void*>(value); }
 
 }  // namespace
 
@@ -49,7 +49,8 @@ TEST_F(CodecSwitch, OpenClipsAreReopenedOnTheNewCodecUnderTheirNumbersAndEveryQu
     std::vector<std::shared_ptr<qvBRAW_Clip>> clips;
     std::vector<IBlackmagicRawClip*> oldObjects;
     for (uint64_t id = 0; id < 3; ++id) {
-        auto clip = twtest::addClip(*m_manager, twtest::writeSmallClip(m_roots.folder(), "clip" + std::to_string(id) + ".braw"), id);
+        auto clip = twtest::addClip(
+            *m_manager, twtest::writeSmallClip(m_roots.folder(), "clip" + std::to_string(id) + ".braw"), id);
         ASSERT_NE(clip, nullptr);
         clip->m_BM->AddRef();
         oldObjects.push_back(clip->m_BM);
@@ -116,7 +117,8 @@ TEST_F(CodecSwitch, SamePipelineKeepsTheCodecAndAnAbsentOneLeavesItRunning) {
     EXPECT_TRUE(logged("INFO", "Setting Codec to Framework : Unknown"));
     EXPECT_TRUE(logged("INFO", "Setting Codec to Framework : 7"));
     size_t alreadySet = 0;
-    for (const std::string& m : messages("INFO")) alreadySet += m == "Pipeline already set - No need to do anything here";
+    for (const std::string& m : messages("INFO"))
+        alreadySet += m == "Pipeline already set - No need to do anything here";
     EXPECT_EQ(alreadySet, 3u);
 
     // The library offers no Metal: the running codec stays as it was.
@@ -167,9 +169,7 @@ TEST_F(CodecSwitch, NewCodecGetsANewCallbackWhoseFailureStopsTheSwitch) {
     auto clip = twtest::addClip(*m_manager, twtest::writeSmallClip(m_roots.folder(), "clip.braw"), 0);
     ASSERT_NE(clip, nullptr);
     // The codecs of a new factory refuse any callback.
-    twtest::writeFacts(m_install, std::string(twtest::kSeveralPipelinesFacts)
-                                      .insert(std::string(twtest::kSeveralPipelinesFacts).rfind('}'),
-                                              R"(, "faults": [{"method": "Codec.SetCallback"}])"));
+    twtest::writeFacts(m_install, twtest::factsWithFaults(R"([{"method": "Codec.SetCallback"}])"));
     ASSERT_TRUE(m_manager->m_instance->tryToInitBM(""));
 
     EXPECT_EQ(switchTo(QV_GPU_DEVICE_FRAMEWORK_CUDA), 1);

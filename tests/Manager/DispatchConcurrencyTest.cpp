@@ -52,22 +52,6 @@ private:
     bool m_open = false;
 };
 
-std::string codecVersion(IBlackmagicRawFactory* factory) {
-    std::string text;
-    IBlackmagicRaw* codec = nullptr;
-    if (factory && SUCCEEDED(factory->CreateCodec(&codec)) && codec) {
-        IBlackmagicRawConfiguration* configuration = nullptr;
-        if (SUCCEEDED(codec->QueryInterface(IID_IBlackmagicRawConfiguration,
-                                            reinterpret_cast<LPVOID*>(&configuration)))) {
-            const char* version = nullptr;
-            if (SUCCEEDED(configuration->GetVersion(&version)) && version) text = version;
-            configuration->Release();
-        }
-        codec->Release();
-    }
-    return text;
-}
-
 }  // namespace
 
 TEST(DispatchConcurrency, RacingFirstLoadsLoadOneLibraryAndForwardersStayConsistent) {
@@ -87,7 +71,8 @@ TEST(DispatchConcurrency, RacingFirstLoadsLoadOneLibraryAndForwardersStayConsist
     for (int i = 0; i < kLoaders; ++i) {
         threads.emplace_back([&, i] {
             start.wait();
-            factories[static_cast<size_t>(i)] = CreateBlackmagicRawFactoryInstanceFromPath(installs[static_cast<size_t>(i)].c_str());
+            factories[static_cast<size_t>(i)] =
+                CreateBlackmagicRawFactoryInstanceFromPath(installs[static_cast<size_t>(i)].c_str());
         });
     }
     for (int i = 0; i < kCallers; ++i) {
@@ -111,8 +96,7 @@ TEST(DispatchConcurrency, RacingFirstLoadsLoadOneLibraryAndForwardersStayConsist
     std::set<std::string> versions;
     for (IBlackmagicRawFactory* factory : factories) {
         ASSERT_NE(factory, nullptr);
-        versions.insert(codecVersion(factory));
-        factory->Release();
+        versions.insert(twtest::codecVersion(factory));
     }
     EXPECT_EQ(versions.size(), 1u) << "factories came from more than one library";
     EXPECT_DECODER_CLEAN();

@@ -13,25 +13,6 @@
 
 namespace {
 
-// The version text of a codec from `factory`; the factory is released.
-std::string codecVersion(IBlackmagicRawFactory* factory) {
-    if (!factory) return "<no factory>";
-    std::string text = "<no version>";
-    IBlackmagicRaw* codec = nullptr;
-    if (SUCCEEDED(factory->CreateCodec(&codec)) && codec) {
-        IBlackmagicRawConfiguration* configuration = nullptr;
-        if (SUCCEEDED(codec->QueryInterface(IID_IBlackmagicRawConfiguration,
-                                            reinterpret_cast<LPVOID*>(&configuration)))) {
-            const char* version = nullptr;
-            if (SUCCEEDED(configuration->GetVersion(&version)) && version) text = version;
-            configuration->Release();
-        }
-        codec->Release();
-    }
-    factory->Release();
-    return text;
-}
-
 std::string factsWithVersion(const std::string& version) { return R"({"version": ")" + version + R"("})"; }
 
 std::string realFolder(const std::string& path) {
@@ -101,14 +82,15 @@ TEST(Dispatch, FirstLoadWinsForEveryLaterPathAndEntryPoint) {
 
     // The folder may come without its trailing slash.
     const std::string withoutSlash = first.substr(0, first.size() - 1);
-    EXPECT_EQ(codecVersion(CreateBlackmagicRawFactoryInstanceFromPath(withoutSlash.c_str())), "first");
+    EXPECT_EQ(twtest::codecVersion(CreateBlackmagicRawFactoryInstanceFromPath(withoutSlash.c_str())), "first");
     // Every later call gets a new factory of the first library, whatever it names.
-    EXPECT_EQ(codecVersion(CreateBlackmagicRawFactoryInstanceFromPath(second.c_str())), "first");
-    EXPECT_EQ(codecVersion(CreateBlackmagicRawFactoryInstanceFromPath(nullptr)), "first");
-    EXPECT_EQ(codecVersion(CreateBlackmagicRawFactoryInstanceFromPath(folder.join("nowhere").c_str())), "first");
-    EXPECT_EQ(codecVersion(CreateBlackmagicRawFactoryInstanceFromExeRelativePath("nowhere")), "first");
-    EXPECT_EQ(codecVersion(CreateBlackmagicRawFactoryInstanceFromBundle()), "first");
-    EXPECT_EQ(codecVersion(CreateBlackmagicRawFactoryInstance()), "first");
+    EXPECT_EQ(twtest::codecVersion(CreateBlackmagicRawFactoryInstanceFromPath(second.c_str())), "first");
+    EXPECT_EQ(twtest::codecVersion(CreateBlackmagicRawFactoryInstanceFromPath(nullptr)), "first");
+    EXPECT_EQ(twtest::codecVersion(CreateBlackmagicRawFactoryInstanceFromPath(folder.join("nowhere").c_str())),
+              "first");
+    EXPECT_EQ(twtest::codecVersion(CreateBlackmagicRawFactoryInstanceFromExeRelativePath("nowhere")), "first");
+    EXPECT_EQ(twtest::codecVersion(CreateBlackmagicRawFactoryInstanceFromBundle()), "first");
+    EXPECT_EQ(twtest::codecVersion(CreateBlackmagicRawFactoryInstance()), "first");
 
     // The forwarders now reach the library.
     Variant variant;
@@ -136,8 +118,8 @@ TEST(Dispatch, FirstLoadWinsForEveryLaterPathAndEntryPoint) {
 
 TEST(Dispatch, ExeRelativePathStartsAtTheProgramsOwnFolder) {
     twtest::TempFolder folder;
-    const std::string install = realFolder(twtest::installDecoder(folder.join("relative"), 0,
-                                                                  factsWithVersion("relative")));
+    const std::string install =
+        realFolder(twtest::installDecoder(folder.join("relative"), 0, factsWithVersion("relative")));
     const std::string exeFolder = executableFolder();
     ASSERT_FALSE(exeFolder.empty());
     ASSERT_FALSE(install.empty());
@@ -148,6 +130,7 @@ TEST(Dispatch, ExeRelativePathStartsAtTheProgramsOwnFolder) {
         if (c == '/') relative += "../";
     }
     relative += install.substr(1);
-    EXPECT_EQ(codecVersion(CreateBlackmagicRawFactoryInstanceFromExeRelativePath(relative.c_str())), "relative");
+    EXPECT_EQ(twtest::codecVersion(CreateBlackmagicRawFactoryInstanceFromExeRelativePath(relative.c_str())),
+              "relative");
     EXPECT_DECODER_CLEAN();
 }

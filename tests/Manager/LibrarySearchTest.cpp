@@ -72,8 +72,8 @@ TEST_F(LibrarySearch, FirstCandidateWithoutAWorkingLibraryFallsThroughToTheFixed
     EXPECT_TRUE(instance.m_BMInit);
     EXPECT_EQ(instance.m_libraryPath.ToString(), fixedFolder());
     EXPECT_TRUE(instance.isTheDllLastVersion());
-    EXPECT_EQ(searchLines(), (std::vector<std::string>{"ERR " + failureLine(pluginFolder()),
-                                                       "INFO " + successLine(fixedFolder())}));
+    EXPECT_EQ(searchLines(),
+              (std::vector<std::string>{"ERR " + failureLine(pluginFolder()), "INFO " + successLine(fixedFolder())}));
 }
 
 TEST_F(LibrarySearch, WithoutABundleFolderOnlyTheFixedFolderIsTried) {
@@ -83,8 +83,8 @@ TEST_F(LibrarySearch, WithoutABundleFolderOnlyTheFixedFolderIsTried) {
     EXPECT_EQ(instance.init(), 0);
     EXPECT_EQ(instance.m_libraryPath.ToString(), fixedFolder());
     EXPECT_EQ(searchLines(), std::vector<std::string>{"INFO " + successLine(fixedFolder())});
-    EXPECT_EQ(fixedFolder(),
-              m_roots.systemRoot() + "/Library/Application Support/Adobe/Common/Plug-ins/7.0/MediaCore/Qervane Tarnwick/");
+    EXPECT_EQ(fixedFolder(), m_roots.systemRoot() +
+                                 "/Library/Application Support/Adobe/Common/Plug-ins/7.0/MediaCore/Qervane Tarnwick/");
 }
 
 TEST_F(LibrarySearch, NoLibraryAnywhereLeavesTheInstanceUnloadedOnTheFixedFolder) {
@@ -96,8 +96,8 @@ TEST_F(LibrarySearch, NoLibraryAnywhereLeavesTheInstanceUnloadedOnTheFixedFolder
     EXPECT_EQ(instance.m_libraryPath.ToString(), fixedFolder());
     EXPECT_FALSE(instance.isTheDllLastVersion());
     EXPECT_FALSE(instance.initPipeline(blackmagicRawPipelineCPU, blackmagicRawInstructionSetAVX2, true, true));
-    EXPECT_EQ(searchLines(), (std::vector<std::string>{"ERR " + failureLine(pluginFolder()),
-                                                       "ERR " + failureLine(fixedFolder())}));
+    EXPECT_EQ(searchLines(),
+              (std::vector<std::string>{"ERR " + failureLine(pluginFolder()), "ERR " + failureLine(fixedFolder())}));
     // A later search may still succeed once the library is there.
     twtest::installDecoder(fixedFolder());
     EXPECT_EQ(instance.init(), 0);

@@ -20,12 +20,6 @@ protected:
     static std::string error(HRESULT hr) { return qvUtils::getHRESULTerrorMessage(hr).Str(); }
 };
 
-std::string factsWithFaults(const std::string& faults) {
-    std::string facts = twtest::kSeveralPipelinesFacts;
-    facts.insert(facts.rfind('}'), ", \"faults\": " + faults);
-    return facts;
-}
-
 }  // namespace
 
 TEST_F(ManagerInit, WorkingStartRunsOnTheCpuAndLogsTheCodecConfiguration) {
@@ -149,10 +143,12 @@ TEST_F(ManagerInit, EachRequiredStepOfTheStartFailsItWithItsMessage) {
         {R"([{"method": "Codec.QueryInterface", "key": "ConfigurationEx", "result": "E_NOINTERFACE"}])",
          "Impossible to Get ConfigurationEx from Codec",
          "Impossible to Get ConfigurationEx from Codec" + error(E_NOINTERFACE)},
-        {R"([{"method": "ConfigurationEx.GetResourceManager"}])", "Impossible to Get ResourceManager from ConfigurationEx",
+        {R"([{"method": "ConfigurationEx.GetResourceManager"}])",
+         "Impossible to Get ResourceManager from ConfigurationEx",
          "Impossible to Get ResourceManager from ConfigurationEx" + error(E_FAIL)},
         {R"([{"method": "Codec.QueryInterface", "key": "ManualDecoderFlow1"}])",
-         "Impossible to Get ManualDecoderCPU from Codec", "Impossible to Get ManualDecoderCPU from Codec" + error(E_FAIL)},
+         "Impossible to Get ManualDecoderCPU from Codec",
+         "Impossible to Get ManualDecoderCPU from Codec" + error(E_FAIL)},
         {R"([{"method": "Codec.SetCallback"}])", "Blackmagic Callback setting error : Abnormal error.",
          "qvBRAW_Manager init - Failed to set IBlackmagicRawCallback!"},
         // No pipeline at first start: there is no running codec to keep.
@@ -162,7 +158,7 @@ TEST_F(ManagerInit, EachRequiredStepOfTheStartFailsItWithItsMessage) {
          "qvBRAW_Manager init - No pipeline and no running codec to fall back on"},
     };
     for (const Case& c : cases) {
-        twtest::writeFacts(install, factsWithFaults(c.faults));
+        twtest::writeFacts(install, twtest::factsWithFaults(c.faults));
         auto manager = std::make_unique<qvBRAW_Manager>();
         EXPECT_EQ(manager->init(searchedInstance()), 1) << c.faults;
         EXPECT_TRUE(manager->m_errorInfo.hasError) << c.faults;
@@ -174,7 +170,8 @@ TEST_F(ManagerInit, EachRequiredStepOfTheStartFailsItWithItsMessage) {
     }
 
     // The GPU's manual decoder and the device's pipeline are not needed on the CPU.
-    twtest::writeFacts(install, factsWithFaults(R"([{"method": "Codec.QueryInterface", "key": "ManualDecoderFlow2"},
+    twtest::writeFacts(install,
+                       twtest::factsWithFaults(R"([{"method": "Codec.QueryInterface", "key": "ManualDecoderFlow2"},
                                                     {"method": "Configuration.SetFromDevice"}])"));
     auto manager = std::make_unique<qvBRAW_Manager>();
     EXPECT_EQ(manager->init(searchedInstance()), 0);

@@ -44,6 +44,30 @@ TwRefDecoderLiveObjectsFunc liveObjectsFunction() {
 
 }  // namespace
 
+std::string factsWithFaults(const std::string& faults) {
+    std::string facts = kSeveralPipelinesFacts;
+    facts.insert(facts.rfind('}'), ", \"faults\": " + faults);
+    return facts;
+}
+
+std::string codecVersion(IBlackmagicRawFactory* factory) {
+    if (!factory) return "<no factory>";
+    std::string text = "<no version>";
+    IBlackmagicRaw* codec = nullptr;
+    if (SUCCEEDED(factory->CreateCodec(&codec)) && codec) {
+        IBlackmagicRawConfiguration* configuration = nullptr;
+        if (SUCCEEDED(
+                codec->QueryInterface(IID_IBlackmagicRawConfiguration, reinterpret_cast<LPVOID*>(&configuration)))) {
+            const char* version = nullptr;
+            if (SUCCEEDED(configuration->GetVersion(&version)) && version) text = version;
+            configuration->Release();
+        }
+        codec->Release();
+    }
+    factory->Release();
+    return text;
+}
+
 std::string installDecoder(const std::string& folder, int64_t extraBytes, const std::string& facts) {
     std::filesystem::create_directories(folder);
     const std::string target = folder + "/libBlackmagicRawAPI.so";
@@ -118,8 +142,8 @@ void DecoderTest::SetUp() {
 void DecoderTest::TearDown() { g_logger.desactivateFileLogging(); }
 
 std::string DecoderTest::logText() const {
-    return TempFolder::readFile(m_roots.home() +
-                                "/Library/Application Support/Qervane/Tarnwick/Logs/Tarnwick_Importer_Premiere Pro.log");
+    return TempFolder::readFile(
+        m_roots.home() + "/Library/Application Support/Qervane/Tarnwick/Logs/Tarnwick_Importer_Premiere Pro.log");
 }
 
 std::vector<std::string> DecoderTest::messages(const std::string& level) const {

@@ -25,6 +25,12 @@ namespace twtest {
 // and an OpenCL device, each GPU with its own context and command queue.
 extern const char kSeveralPipelinesFacts[];
 
+// kSeveralPipelinesFacts with these codec-level faults (a JSON array).
+std::string factsWithFaults(const std::string& faults);
+
+// The version text of a codec made by `factory`, which is then released.
+std::string codecVersion(IBlackmagicRawFactory* factory);
+
 // Copies the decoder library built in this tree into `folder` (made when
 // missing) as libBlackmagicRawAPI.so, at the size the instance accepts plus
 // `extraBytes`, with `facts` beside it when not empty. The folder with "/".

@@ -35,12 +35,6 @@ protected:
     qvBRAW_Instance m_instance{QV_PLUGIN_IMPORTER};
 };
 
-std::string factsWithFaults(const std::string& faults) {
-    std::string facts = twtest::kSeveralPipelinesFacts;
-    facts.insert(facts.rfind('}'), ", \"faults\": " + faults);
-    return facts;
-}
-
 }  // namespace
 
 TEST_F(Pipelines, AskedInstructionSetIsFoundByWalkingThePipelinesDevices) {
@@ -64,7 +58,8 @@ TEST_F(Pipelines, AskedInstructionSetIsFoundByWalkingThePipelinesDevices) {
               "    - Name : CPU C\n    - Pipeline Name : CPU C");
     // The first device was looked at, and dropped for its instruction set.
     const std::string log = logText();
-    EXPECT_NE(log.find("- Pipeline Infos : \n    - Instruction set : AVX\n    - Device Index : 0\n"), std::string::npos);
+    EXPECT_NE(log.find("- Pipeline Infos : \n    - Instruction set : AVX\n    - Device Index : 0\n"),
+              std::string::npos);
     EXPECT_TRUE(logged("INFO", "-- New Pipeline : CPU"));
     EXPECT_FALSE(logged("INFO", "Replacing old pipeline with new one created"));
 
@@ -101,9 +96,9 @@ TEST_F(Pipelines, GpuDevicesCarryTheirResourceTypeContextAndQueue) {
     for (const std::string& message : messages("INFO")) {
         if (message.rfind("-- New Pipeline : ", 0) == 0) announced.push_back(message);
     }
-    EXPECT_EQ(announced, (std::vector<std::string>{"-- New Pipeline : CPU", "-- New Pipeline : CUDA",
-                                                   "-- New Pipeline : CPU", "-- New Pipeline : CUDA",
-                                                   "-- New Pipeline : OpenCL"}));
+    EXPECT_EQ(announced,
+              (std::vector<std::string>{"-- New Pipeline : CPU", "-- New Pipeline : CUDA", "-- New Pipeline : CPU",
+                                        "-- New Pipeline : CUDA", "-- New Pipeline : OpenCL"}));
 
     EXPECT_EQ(qvBRAW_GPU_Pipeline::resourceTypeForPipeline(blackmagicRawPipelineMetal),
               blackmagicRawResourceTypeBufferMetal);
@@ -122,7 +117,8 @@ TEST_F(Pipelines, ChoiceThatFindsNothingKeepsTheCurrentRecord) {
                                   error(E_FAIL)));
     // No device of the pipeline has it: the walk runs off the end.
     EXPECT_FALSE(choose(blackmagicRawPipelineCPU, blackmagicRawInstructionSetNEON, false, false));
-    EXPECT_TRUE(logged("ERR", "- Error while creating Device, Instruction asked not found and Error : " + error(E_FAIL)));
+    EXPECT_TRUE(
+        logged("ERR", "- Error while creating Device, Instruction asked not found and Error : " + error(E_FAIL)));
     EXPECT_EQ(m_instance.m_pipeline, current);
     EXPECT_EQ(m_instance.m_pipeline->m_name.ToString(), "CPU A");
 
@@ -138,27 +134,28 @@ TEST_F(Pipelines, LibraryFailuresDuringTheChoiceEndItOrSkipTheDevice) {
     ASSERT_TRUE(choose(blackmagicRawPipelineCPU, blackmagicRawInstructionSetAVX2, false, true));
     const qvBRAW_GPU_Pipeline* const current = m_instance.m_pipeline;
 
-    refactor(factsWithFaults(R"([{"method": "Factory.CreatePipelineIterator", "result": "E_OUTOFMEMORY"}])"));
+    refactor(twtest::factsWithFaults(R"([{"method": "Factory.CreatePipelineIterator", "result": "E_OUTOFMEMORY"}])"));
     EXPECT_FALSE(choose(blackmagicRawPipelineCPU, blackmagicRawInstructionSetAVX2, false, true));
     EXPECT_TRUE(logged("ERR", "Error while creating Pipeline Iterator : " + error(E_OUTOFMEMORY)));
 
-    refactor(factsWithFaults(R"([{"method": "PipelineIterator.GetPipeline"}])"));
+    refactor(twtest::factsWithFaults(R"([{"method": "PipelineIterator.GetPipeline"}])"));
     EXPECT_FALSE(choose(blackmagicRawPipelineCPU, blackmagicRawInstructionSetAVX2, false, true));
     EXPECT_TRUE(logged("ERR", "Getting First Pipeline error : " + error(E_FAIL)));
 
-    refactor(factsWithFaults(R"([{"method": "Factory.CreatePipelineDeviceIterator", "result": "E_INVALIDARG"}])"));
+    refactor(
+        twtest::factsWithFaults(R"([{"method": "Factory.CreatePipelineDeviceIterator", "result": "E_INVALIDARG"}])"));
     EXPECT_FALSE(choose(blackmagicRawPipelineCPU, blackmagicRawInstructionSetAVX2, false, true));
     EXPECT_TRUE(logged("ERR", "- Error while creating Device Iterator : " + error(E_INVALIDARG)));
     EXPECT_EQ(m_instance.m_pipeline, current);
 
     // The CPU's device cannot be made: with any pipeline the next one serves.
-    refactor(factsWithFaults(R"([{"method": "PipelineDeviceIterator.CreateDevice", "count": 1}])"));
+    refactor(twtest::factsWithFaults(R"([{"method": "PipelineDeviceIterator.CreateDevice", "count": 1}])"));
     ASSERT_TRUE(choose(blackmagicRawPipelineCPU, blackmagicRawInstructionSetAVX2, true, true));
     EXPECT_TRUE(logged("ERR", "- Error while creating Device : " + error(E_FAIL)));
     EXPECT_EQ(m_instance.m_pipeline->m_pipeline, blackmagicRawPipelineCUDA);
 
     // Getters that fail leave the record's first values.
-    refactor(factsWithFaults(R"([{"method": "PipelineDevice.GetName"}, {"method": "PipelineDevice.GetIndex"},
+    refactor(twtest::factsWithFaults(R"([{"method": "PipelineDevice.GetName"}, {"method": "PipelineDevice.GetIndex"},
                                  {"method": "PipelineDevice.GetInstructionSet"}])"));
     ASSERT_TRUE(choose(blackmagicRawPipelineCPU, blackmagicRawInstructionSetAVX2, false, true));
     EXPECT_TRUE(m_instance.m_pipeline->m_name.IsNull());

@@ -10,11 +10,19 @@ qvBRAW_Clip::qvBRAW_Clip(uint64_t id, const qvUtf8String& path) : m_ID(id), m_pa
 qvBRAW_Clip::~qvBRAW_Clip() {
     Close(false);
     releaseLibraryObjects();
-    if (m_geometry) {
-        m_geometry->Release();
-        m_geometry = nullptr;
-    }
     m_bstrPath.release();
+}
+
+bool qvBRAW_Clip::doesNeedToBeReloaded() { return true; }
+QvResult qvBRAW_Clip::replaceClipByDesqueezedClipIfRectPixel(IBlackmagicRaw*) { return QvResult(); }
+uint32_t qvBRAW_Clip::getTimecodeFrames(bool&, bool) const { return TW_NO_TIMECODE_FRAMES; }
+qvUtf8String qvBRAW_Clip::getTimecodeForFrame(uint64_t) { return qvUtf8String(); }
+QvResult qvBRAW_Clip::getLut3DBuffers(void**, void**, void*, void*) { return QvResult(); }
+twAttributes qvBRAW_Clip::getCameraMetadataPrefs() { return twAttributes(); }
+QvResult qvBRAW_Clip::failOpening(const qvUtf8String& error) {
+    releaseLibraryObjects();
+    m_bmClipMutex.unlock();
+    return QvResult(error);
 }
 
 void qvBRAW_Clip::releaseLibraryObjects() {

@@ -7,7 +7,7 @@
 #include "Manager/twSettingsInitData.h"
 #include "Writer/RefClipWriter.h"
 
-#include <cstdio>
+#include <cstring>
 #include <filesystem>
 
 namespace {
@@ -63,6 +63,60 @@ uint32_t libraryWidth(IBlackmagicRawClip* clip) {
     return width;
 }
 
+// A clip that also answers for its processing attributes, with a clone of
+// them: the LUT buffers ask the clip object itself, which the reference
+// decoder's clips don't answer. Everything else goes to the library's clip,
+// whose reference it takes over.
+class AttributesAnsweringClip final : public IBlackmagicRawClip {
+public:
+    explicit AttributesAnsweringClip(IBlackmagicRawClip* inner) : m_inner(inner) {}
+
+    HRESULT QueryInterface(REFIID iid, LPVOID* out) override {
+        if (std::memcmp(&iid, &IID_IBlackmagicRawClipProcessingAttributes, sizeof(iid)) == 0) {
+            return m_inner->CloneClipProcessingAttributes(reinterpret_cast<IBlackmagicRawClipProcessingAttributes**>(out));
+        }
+        return m_inner->QueryInterface(iid, out);
+    }
+    ULONG AddRef() override { return ++m_references; }
+    ULONG Release() override {
+        const ULONG left = --m_references;
+        if (left == 0) {
+            m_inner->Release();
+            delete this;
+        }
+        return left;
+    }
+    HRESULT GetWidth(uint32_t* v) override { return m_inner->GetWidth(v); }
+    HRESULT GetHeight(uint32_t* v) override { return m_inner->GetHeight(v); }
+    HRESULT GetFrameRate(float* v) override { return m_inner->GetFrameRate(v); }
+    HRESULT GetFrameCount(uint64_t* v) override { return m_inner->GetFrameCount(v); }
+    HRESULT GetTimecodeForFrame(uint64_t f, const char** t) override { return m_inner->GetTimecodeForFrame(f, t); }
+    HRESULT GetMetadataIterator(IBlackmagicRawMetadataIterator** i) override { return m_inner->GetMetadataIterator(i); }
+    HRESULT GetMetadata(const char* k, Variant* v) override { return m_inner->GetMetadata(k, v); }
+    HRESULT SetMetadata(const char* k, Variant* v) override { return m_inner->SetMetadata(k, v); }
+    HRESULT GetCameraType(const char** t) override { return m_inner->GetCameraType(t); }
+    HRESULT CloneClipProcessingAttributes(IBlackmagicRawClipProcessingAttributes** a) override {
+        return m_inner->CloneClipProcessingAttributes(a);
+    }
+    HRESULT GetMulticardFileCount(uint32_t* c) override { return m_inner->GetMulticardFileCount(c); }
+    HRESULT IsMulticardFilePresent(uint32_t i, bool* p) override { return m_inner->IsMulticardFilePresent(i, p); }
+    HRESULT GetSidecarFileAttached(bool* a) override { return m_inner->GetSidecarFileAttached(a); }
+    HRESULT SaveSidecarFile() override { return m_inner->SaveSidecarFile(); }
+    HRESULT ReloadSidecarFile() override { return m_inner->ReloadSidecarFile(); }
+    HRESULT CreateJobReadFrame(uint64_t f, IBlackmagicRawJob** j) override { return m_inner->CreateJobReadFrame(f, j); }
+    HRESULT CreateJobTrim(const char* n, uint64_t f, uint64_t c, IBlackmagicRawClipProcessingAttributes* a,
+                          IBlackmagicRawFrameProcessingAttributes* fa, IBlackmagicRawJob** j) override {
+        return m_inner->CreateJobTrim(n, f, c, a, fa, j);
+    }
+    HRESULT CloneWithGeometry(IBlackmagicRawClipGeometry* g, IBlackmagicRawClip** c) override {
+        return m_inner->CloneWithGeometry(g, c);
+    }
+
+private:
+    ~AttributesAnsweringClip() override = default;
+    IBlackmagicRawClip* m_inner;
+    ULONG m_references = 1;
+};
 }  // namespace
 
 TEST_F(Clip, OpeningReadsSizeRateLengthAndTheResolutionTable) {
@@ -333,4 +387,47 @@ TEST_F(Clip, CameraSettingsComeFromTheSettingsDataOnceItExists) {
     EXPECT_EQ(camera.frame.iso, 1600u);
     EXPECT_STREQ(camera.clip.gamma, "Blackmagic Design Video");
     EXPECT_FALSE(data->attributes.useClipAndFrameAttributes) << "the clip's data is not changed";
+}
+
+TEST_F(Clip, LutBuffersAreTheActiveLutsResources) {
+    // The library's clips don't answer for their processing attributes: the
+    // failure comes back, with the clip's lock free.
+    auto plain = openOk(writeClip("plain.braw", smallModel()));
+    ASSERT_NE(plain, nullptr);
+    void* gpu = nullptr;
+    void* cpu = nullptr;
+    const QvResult refused = plain->getLut3DBuffers(&gpu, &cpu, nullptr, nullptr);
+    EXPECT_TRUE(startsWith(refused.toString().Str(), "getLut3DBuffers - Impossible to Query ClipProcessingAttributes - "));
+    EXPECT_TRUE(plain->m_bmClipMutex.try_lock());
+    plain->m_bmClipMutex.unlock();
+
+    // Without a LUT in use there is nothing to give.
+    plain->m_BM = new AttributesAnsweringClip(plain->m_BM);
+    EXPECT_TRUE(plain->getLut3DBuffers(&gpu, &cpu, nullptr, nullptr).isOk());
+    EXPECT_EQ(gpu, nullptr);
+    EXPECT_EQ(cpu, nullptr);
+
+    RefClipModel model = smallModel();
+    twref::RefClipWriter::addEmbeddedLut(model, 5);
+    auto clip = openOk(writeClip("lut.braw", model));
+    ASSERT_NE(clip, nullptr);
+    clip->m_BM = new AttributesAnsweringClip(clip->m_BM);
+    EXPECT_TRUE(clip->getLut3DBuffers(&gpu, &cpu, nullptr, nullptr).isOk());
+    EXPECT_EQ(gpu, nullptr) << "no GPU resource without a context and a queue";
+    EXPECT_NE(cpu, nullptr);
+    cpu = nullptr;
+    int context = 0;
+    int queue = 0;
+    EXPECT_TRUE(clip->getLut3DBuffers(&gpu, &cpu, &context, &queue).isOk());
+    EXPECT_NE(gpu, nullptr);
+    EXPECT_NE(cpu, nullptr);
+
+    model.addFault("Post3DLUT.GetResourceCPU", twref::RefResult::Fail);
+    auto failing = openOk(writeClip("lut-failing.braw", model));
+    ASSERT_NE(failing, nullptr);
+    failing->m_BM = new AttributesAnsweringClip(failing->m_BM);
+    const QvResult result = failing->getLut3DBuffers(&gpu, &cpu, nullptr, nullptr);
+    EXPECT_TRUE(startsWith(result.toString().Str(), "getLut3DBuffers - Impossible to GetResourceCPU - "));
+    EXPECT_TRUE(failing->m_bmClipMutex.try_lock());
+    failing->m_bmClipMutex.unlock();
 }

@@ -59,6 +59,8 @@ public:
     void logCodecConfiguration();
     // The geometry each clip is opened through: no anamorphic treatment, and a
     // vertical flip when m_flipVertical is set. The HRESULT of the factory.
+    // The caller owns the one reference: the registry keeps the geometries of
+    // its clips, which hold them without one, and releases them after the clips.
     int32_t createGeometryForClip(IBlackmagicRawClipGeometry** out);
     int32_t Release();
 

@@ -112,15 +112,9 @@ std::string writeSmallClip(const TempFolder& folder, const std::string& name) {
 }
 
 std::shared_ptr<qvBRAW_Clip> addClip(qvBRAW_Manager& manager, const std::string& path, uint64_t id) {
-    IBlackmagicRawClipGeometry* geometry = nullptr;
-    if (manager.createGeometryForClip(&geometry) != 0) return nullptr;
-    auto clip = std::make_shared<qvBRAW_Clip>(id, path);
-    if (clip->openAndInit(manager.m_codec, geometry).hasError) {
-        geometry->Release();
-        return nullptr;
-    }
-    manager.m_clips[id] = clip;
-    return clip;
+    uint64_t added = UINT64_MAX;
+    if (manager.AddClip(path, added) != 0 || added != id) return nullptr;
+    return manager.GetClip(id);
 }
 
 TestRequest::TestRequest(uint64_t queueID, uint64_t clipID, uint64_t frame, bool finished)
@@ -165,5 +159,30 @@ bool DecoderTest::logged(const std::string& level, const std::string& message) c
 std::string DecoderTest::pluginFolder() const { return m_roots.folder().join("plugin") + "/"; }
 
 std::string DecoderTest::fixedFolder() { return qvBRAW_Instance::fixedLibraryFolder().Str(); }
+
+void ManagerTest::SetUp() {
+    DecoderTest::SetUp();
+    m_install = installDecoder(fixedFolder(), 0, installFacts());
+    auto* instance = new qvBRAW_Instance(QV_PLUGIN_IMPORTER);
+    instance->init();
+    m_manager = std::make_unique<qvBRAW_Manager>();
+    ASSERT_EQ(m_manager->init(instance), 0) << m_manager->m_errorInfo.toString().Str();
+    m_manager->m_flipVertical = true;
+}
+
+void ManagerTest::TearDown() {
+    m_manager.reset();
+    EXPECT_DECODER_CLEAN();
+    DecoderTest::TearDown();
+}
+
+std::string ManagerTest::writeClip(const std::string& name, const twref::RefClipModel& model) const {
+    const std::string path = m_roots.folder().join(name);
+    std::string error;
+    if (!twref::RefClipWriter::write(path, model, &error)) throw std::runtime_error(error);
+    return path;
+}
+
+twref::RefClipModel ManagerTest::smallModel() { return twref::RefClipWriter::makeClip(64, 36, 24.0f, 4); }
 
 }  // namespace twtest

@@ -333,6 +333,9 @@ int32_t qvBRAW_Manager::Release() {
 
     QV_LOCK_TRACED(m_clipsMutex);
     if (!m_clips.empty()) m_clips.clear();
+    // The clips held their geometries without a reference of their own.
+    for (IBlackmagicRawClipGeometry* geometry : m_clipGeometries) geometry->Release();
+    m_clipGeometries.clear();
     m_clipsMutex.unlock();
 
     releaseCodec();

@@ -7,6 +7,7 @@
 
 #include <BlackmagicRawAPI.h>
 
+#include "String/qvUtf8String.h"
 #include "Utils/qvMutex.h"
 #include "Utils/qvResult.h"
 
@@ -14,6 +15,7 @@
 #include <memory>
 #include <mutex>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 class qvBRAW_Clip;
@@ -21,6 +23,7 @@ class qvBRAW_Instance;
 class qvBRAW_Manager_Callback;
 class qvBRAW_Request;
 class qvParallelWorker;
+class twSettingsInitData;
 
 // The GPU framework a caller asks the codec to run on.
 enum QV_GPU_DEVICE_FRAMEWORK : uint8_t {
@@ -59,6 +62,37 @@ public:
     int32_t createGeometryForClip(IBlackmagicRawClipGeometry** out);
     int32_t Release();
 
+    // --- Clip registry (ClipRegistry.cpp) ---
+    // Clips are numbered densely from 0 in the order they were opened and stay
+    // for the life of the manager; a clip that failed to open takes no number.
+
+    // Opens `path` as a new clip under the next number, written to `id` even on
+    // a failure. 0; 1 when the manager is in error or the library refuses the
+    // file; the factory's HRESULT when no geometry could be made.
+    int32_t AddClip(const qvUtf8String& path, uint64_t& id);
+    // The number of the clip of `path`, reopened first when its file had gone
+    // away; a new clip when the path is unknown. `wasKnown`, when given, says
+    // which. 0, or the result of AddClip.
+    int32_t AddClipIfNew(const qvUtf8String& path, uint64_t& id, bool* wasKnown);
+    // Null for an unknown number. A closed clip is given all the same.
+    std::shared_ptr<qvBRAW_Clip> GetClip(uint64_t id);
+    // The first clip of exactly that path, and its number.
+    bool GetClipIDFromFilepath(const qvUtf8String& path, uint64_t& id, std::shared_ptr<qvBRAW_Clip>& clip);
+    // Read without the registry's lock.
+    uint64_t GetClipsCount();
+    // Closes the clip, which keeps its number. The clip's Close result, or 0
+    // when there is none.
+    int32_t CloseClip(uint64_t id);
+    int32_t CloseClip(std::shared_ptr<qvBRAW_Clip> clip);
+    // Reopens the clip when its file had gone away. 0, or 1 when there is no
+    // codec or no such clip.
+    int32_t reloadClipIfNeeded(uint64_t id);
+    // The clip's settings data (into `data`) and metadata list (on the clip),
+    // made from the clip and its first frame when wanted and not yet there.
+    // `generated` says whether anything was made now.
+    QvResult getAllDataFromClip(bool& generated, uint64_t id, bool wantSettings,
+                                std::shared_ptr<twSettingsInitData>& data, bool wantMetadata);
+
     // Finished requests of that queue (or of all, with TW_ALL_QUEUES) leave the
     // queue; unfinished ones are cancelled and stay. 1 without a codec.
     int32_t FlushQueue(uint32_t queueID);
@@ -81,6 +115,16 @@ public:
     qvParallelWorker* m_parallelWorker = nullptr;
 
 private:
+    // What only a decoded first frame tells: the settings data's frame facts
+    // and the frame's metadata (into frameMetadata).
+    QvResult probeFirstFrame(const std::shared_ptr<qvBRAW_Clip>& clip, bool needSettings, bool needMetadata,
+                             std::vector<std::pair<qvUtf8String, qvUtf8String>>& frameMetadata);
+
+    // The geometries the registry's clips were opened through, one reference
+    // each: a clip holds its geometry without one. Under m_clipsMutex; released
+    // after the clips.
+    std::vector<IBlackmagicRawClipGeometry*> m_clipGeometries;
+
     // Releases and nulls the codec and its interfaces, in their fixed order.
     void releaseCodec();
 };

@@ -112,15 +112,9 @@ std::string writeSmallClip(const TempFolder& folder, const std::string& name) {
 }
 
 std::shared_ptr<qvBRAW_Clip> addClip(qvBRAW_Manager& manager, const std::string& path, uint64_t id) {
-    IBlackmagicRawClipGeometry* geometry = nullptr;
-    if (manager.createGeometryForClip(&geometry) != 0) return nullptr;
-    auto clip = std::make_shared<qvBRAW_Clip>(id, path);
-    if (clip->openAndInit(manager.m_codec, geometry).hasError) {
-        geometry->Release();
-        return nullptr;
-    }
-    manager.m_clips[id] = clip;
-    return clip;
+    uint64_t added = UINT64_MAX;
+    if (manager.AddClip(path, added) != 0 || added != id) return nullptr;
+    return manager.GetClip(id);
 }
 
 TestRequest::TestRequest(uint64_t queueID, uint64_t clipID, uint64_t frame, bool finished)

@@ -47,7 +47,7 @@ std::string decoderLiveReport();
 // A small reference clip written at folder/name.
 std::string writeSmallClip(const TempFolder& folder, const std::string& name);
 
-// Opens a clip through the manager's geometry and enters it under `id`.
+// Opens a clip through the registry, which must give it the number `id`.
 std::shared_ptr<qvBRAW_Clip> addClip(qvBRAW_Manager& manager, const std::string& path, uint64_t id);
 
 // A request that counts its cancellations.

@@ -1,0 +1,5 @@
+#include "twImporterSharedPrefs/twImporterSettingsInitData.h"
+
+twImporterSettingsInitData::twImporterSettingsInitData() : twSettingsInitData(), filepath{} {}
+
+twImporterSettingsInitData::~twImporterSettingsInitData() = default;

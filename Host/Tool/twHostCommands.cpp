@@ -134,7 +134,8 @@ std::string Indented(const std::string& text, const std::string& indent) {
     while (start < text.size()) {
         size_t end = text.find('\n', start);
         if (end == std::string::npos) end = text.size();
-        out += indent + text.substr(start, end - start) + "\n";
+        const std::string line = text.substr(start, end - start);
+        out += (line.empty() ? std::string() : indent + line) + "\n";
         start = end + 1;
     }
     return out;

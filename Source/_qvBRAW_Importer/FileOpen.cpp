@@ -159,7 +159,11 @@ int SDKAnalysis(imStdParms* stdParms, void*, imAnalysisRec* analysis) {
             const QvResult all = privateData->manager->getAllDataFromClip(generated, privateData->clipID, true, data,
                                                                           true);
             if (!all.hasError) {
-                for (const auto& entry : clip->m_metadata) {
+                // The registry fills the list under the clip's lock.
+                QV_LOCK_TRACED(clip->m_bmClipMutex);
+                const qvBRAW_MetadataList metadata = clip->m_metadata;
+                clip->m_bmClipMutex.unlock();
+                for (const auto& entry : metadata) {
                     text << qvBRAW_Clip::makeMetadataKeyPretty(entry.first) << ":\n      " << entry.second << "\n";
                 }
             } else {

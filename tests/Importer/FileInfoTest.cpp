@@ -329,3 +329,21 @@ TEST_F(ClipImportTest, PrefsBlobIsSettledForEachOrigin) {
     }
     EXPECT_EQ(errorMessages(), std::vector<std::string>{"Prefs size is inferior to SharedPrefsJsonCheck size : 2"});
 }
+
+TEST_F(ClipImportTest, PreferencesSelectorHandsTheHostADefaultBlobThatImportSettles) {
+    for (const twSimIdentity& identity : {twSimIdentity::PremierePro(), twSimIdentity::AfterEffects()}) {
+        startHost(identity);
+        twSimFile& file = newFile(writeClip("clip.braw", RefClipModel()));
+        ASSERT_EQ(file.getPrefs(), imNoErr);
+        ASSERT_EQ(file.prefsSize(), 396);
+        const twImporterSharedPrefs defaults;
+        EXPECT_EQ(std::memcmp(file.prefs(), &defaults, sizeof(defaults)), 0);
+
+        ASSERT_EQ(file.open(), imNoErr);
+        ASSERT_EQ(file.getInfo(), imNoErr);
+        const twImporterSharedPrefs settled = settledPrefs(file);
+        EXPECT_EQ(settled.newPrefs, 0);
+        EXPECT_EQ(settled.resolutionCount, 4);
+        finish();
+    }
+}

@@ -32,10 +32,10 @@ TEST_F(ClipImportTest, SampleTypeAndSamplesFollowTheBitDepth) {
         ASSERT_EQ(file.infoResult(), imNoErr) << c.bitDepth;
         const imFileInfoRec8& info = file.info();
         EXPECT_EQ(info.hasAudio, 1) << c.bitDepth;
-        EXPECT_EQ(info.audInfo.sampleType, c.type) << c.bitDepth;
-        EXPECT_EQ(info.audInfo.numChannels, 2) << c.bitDepth;
-        EXPECT_EQ(info.audInfo.sampleRate, 44100.0f) << c.bitDepth;
-        EXPECT_EQ(info.audDuration, 88200) << c.bitDepth;
+        EXPECT_EQ(packed(info.audInfo.sampleType), c.type) << c.bitDepth;
+        EXPECT_EQ(packed(info.audInfo.numChannels), 2) << c.bitDepth;
+        EXPECT_EQ(packed(info.audInfo.sampleRate), 44100.0f) << c.bitDepth;
+        EXPECT_EQ(packed(info.audDuration), 88200) << c.bitDepth;
         // The host's time base for audio stays 48 kHz whatever the clip's rate.
         EXPECT_EQ(record(file).audioSampleRate, 48000.0) << c.bitDepth;
 
@@ -47,8 +47,8 @@ TEST_F(ClipImportTest, SampleTypeAndSamplesFollowTheBitDepth) {
     twSimFile& silent = importClip(writeClip("silent.braw", RefClipModel()));
     ASSERT_EQ(silent.infoResult(), imNoErr);
     EXPECT_EQ(silent.info().hasAudio, 0);
-    EXPECT_EQ(silent.info().audInfo.sampleType, kPrAudioSampleType_32BitFloat);
-    EXPECT_EQ(silent.info().audInfo.numChannels, 0);
+    EXPECT_EQ(packed(silent.info().audInfo.sampleType), kPrAudioSampleType_32BitFloat);
+    EXPECT_EQ(packed(silent.info().audInfo.numChannels), 0);
     EXPECT_TRUE(errorMessages().empty());
 
     // A depth the host has no integer type for is announced as float, and a
@@ -56,7 +56,7 @@ TEST_F(ClipImportTest, SampleTypeAndSamplesFollowTheBitDepth) {
     twSimFile& odd = importClip(writeClip("odd.braw", clipWithAudio(2, 48000, 12)));
     ASSERT_EQ(odd.infoResult(), imNoErr);
     EXPECT_EQ(odd.info().hasAudio, 1);
-    EXPECT_EQ(odd.info().audInfo.sampleType, kPrAudioSampleType_32BitFloat);
+    EXPECT_EQ(packed(odd.info().audInfo.sampleType), kPrAudioSampleType_32BitFloat);
     EXPECT_EQ(errorMessages(), std::vector<std::string>{"Unknown audio bit depth"});
     host().events().clear();
     EXPECT_EQ(odd.importAudio(0, 100, 2).result, malUnknownError);

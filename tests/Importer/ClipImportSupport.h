@@ -53,3 +53,9 @@ twref::RefClipModel clipWithAudio(uint32_t channels, uint32_t sampleRate, uint32
 // as the Audio suite turns them into floats, one vector per channel.
 std::vector<std::vector<float>> expectedAudio(const twref::RefClipModel& model, int64_t first, uint32_t count);
 int32_t readInt32(const void* bytes, size_t offset);
+// A member of a packed host record, read as a value: the assertion macros bind
+// references, and a member at an odd offset has none to give.
+template <typename T>
+T packed(T value) {
+    return value;
+}

@@ -90,9 +90,9 @@ TEST_F(ClipImportTest, WhatTheHostLearnsOfAClip) {
     const imFileInfoRec8& info = file.info();
     const auto* bytes = reinterpret_cast<const unsigned char*>(&info);
     EXPECT_EQ(info.hasVideo, 1);
-    EXPECT_EQ(info.vidInfo.imageWidth, 4096);
-    EXPECT_EQ(info.vidInfo.imageHeight, 2160);
-    EXPECT_EQ(info.vidInfo.depth, 24);
+    EXPECT_EQ(packed(info.vidInfo.imageWidth), 4096);
+    EXPECT_EQ(packed(info.vidInfo.imageHeight), 2160);
+    EXPECT_EQ(packed(info.vidInfo.depth), 24);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes + 14), 4), "WARB");
     EXPECT_EQ(bytes[18], 0);
     EXPECT_EQ(bytes[19], 1);
@@ -103,17 +103,17 @@ TEST_F(ClipImportTest, WhatTheHostLearnsOfAClip) {
     EXPECT_EQ(readInt32(bytes, 98), 1);
     EXPECT_EQ(file.codecDescription(), "Blackmagic RAW with Tarnwick");
     EXPECT_EQ(twSimText::Utf16ToUtf8(bytes + 4837, 256), "AE.ADBE_BRAW_Source_Settings");
-    EXPECT_EQ(info.vidScale, 25);
-    EXPECT_EQ(info.vidSampleSize, 1);
-    EXPECT_EQ(info.vidDurationInFrames, 250);
-    EXPECT_EQ(info.vidInfo.isStill, 0);
+    EXPECT_EQ(packed(info.vidScale), 25);
+    EXPECT_EQ(packed(info.vidSampleSize), 1);
+    EXPECT_EQ(packed(info.vidDurationInFrames), 250);
+    EXPECT_EQ(packed(info.vidInfo.isStill), 0);
     EXPECT_EQ(aspect(file), "1:1");
     // Media Encoder and Premiere Pro of interface 6 and later read audio on its own.
-    EXPECT_EQ(info.accessModes, kSeparateSequentialAudio);
+    EXPECT_EQ(packed(info.accessModes), kSeparateSequentialAudio);
     EXPECT_EQ(info.hasAudio, 1);
-    EXPECT_EQ(info.audInfo.numChannels, 2);
-    EXPECT_EQ(info.audInfo.sampleRate, 48000.0f);
-    EXPECT_EQ(info.audDuration, 480000);
+    EXPECT_EQ(packed(info.audInfo.numChannels), 2);
+    EXPECT_EQ(packed(info.audInfo.sampleRate), 48000.0f);
+    EXPECT_EQ(packed(info.audDuration), 480000);
 
     const TWI_PrivateData& data = record(file);
     EXPECT_EQ(data.clipID, 0u);
@@ -130,7 +130,7 @@ TEST_F(ClipImportTest, WhatTheHostLearnsOfAClip) {
     time.dataType = 7;
     EXPECT_EQ(file.timeInfo(time), imNoErr);
     EXPECT_STREQ(time.orgtime, "10:00:00:00");
-    EXPECT_EQ(time.dataType, 0);
+    EXPECT_EQ(packed(time.dataType), 0);
 
     // The host keeps a current blob, through imGetInfo8 once, with the clip's sizes.
     const twImporterSharedPrefs prefs = settledPrefs(file);
@@ -164,8 +164,8 @@ TEST_F(ClipImportTest, FrameRatesReachTheHostByTheirClass) {
     for (const Case& c : cases) {
         twSimFile& file = importClip(writeClip("rate" + std::to_string(index++) + ".braw", clipAt(c.rate)));
         ASSERT_EQ(file.infoResult(), imNoErr) << c.rate;
-        EXPECT_EQ(file.info().vidScale, c.scale) << c.rate;
-        EXPECT_EQ(file.info().vidSampleSize, c.sampleSize) << c.rate;
+        EXPECT_EQ(packed(file.info().vidScale), c.scale) << c.rate;
+        EXPECT_EQ(packed(file.info().vidSampleSize), c.sampleSize) << c.rate;
         EXPECT_EQ(record(file).vidScale, c.scale) << c.rate;
         EXPECT_EQ(record(file).frameRate, static_cast<double>(c.rate)) << c.rate;
     }
@@ -177,9 +177,9 @@ TEST_F(ClipImportTest, ClipOfOneFrameIsAStill) {
     twSimFile& two = importClip(writeClip("two.braw", clipAt(24.0f, 2)));
     ASSERT_EQ(still.infoResult(), imNoErr);
     ASSERT_EQ(two.infoResult(), imNoErr);
-    EXPECT_EQ(still.info().vidInfo.isStill, 1);
-    EXPECT_EQ(still.info().vidDurationInFrames, 1);
-    EXPECT_EQ(two.info().vidInfo.isStill, 0);
+    EXPECT_EQ(packed(still.info().vidInfo.isStill), 1);
+    EXPECT_EQ(packed(still.info().vidDurationInFrames), 1);
+    EXPECT_EQ(packed(two.info().vidInfo.isStill), 0);
 }
 
 TEST_F(ClipImportTest, AnamorphicPixelAspectOnlyWhenSwitchedOnAndNotRefusedByThePrefs) {

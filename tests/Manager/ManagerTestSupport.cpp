@@ -160,4 +160,29 @@ std::string DecoderTest::pluginFolder() const { return m_roots.folder().join("pl
 
 std::string DecoderTest::fixedFolder() { return qvBRAW_Instance::fixedLibraryFolder().Str(); }
 
+void ManagerTest::SetUp() {
+    DecoderTest::SetUp();
+    m_install = installDecoder(fixedFolder(), 0, installFacts());
+    auto* instance = new qvBRAW_Instance(QV_PLUGIN_IMPORTER);
+    instance->init();
+    m_manager = std::make_unique<qvBRAW_Manager>();
+    ASSERT_EQ(m_manager->init(instance), 0) << m_manager->m_errorInfo.toString().Str();
+    m_manager->m_flipVertical = true;
+}
+
+void ManagerTest::TearDown() {
+    m_manager.reset();
+    EXPECT_DECODER_CLEAN();
+    DecoderTest::TearDown();
+}
+
+std::string ManagerTest::writeClip(const std::string& name, const twref::RefClipModel& model) const {
+    const std::string path = m_roots.folder().join(name);
+    std::string error;
+    if (!twref::RefClipWriter::write(path, model, &error)) throw std::runtime_error(error);
+    return path;
+}
+
+twref::RefClipModel ManagerTest::smallModel() { return twref::RefClipWriter::makeClip(64, 36, 24.0f, 4); }
+
 }  // namespace twtest

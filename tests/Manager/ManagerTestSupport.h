@@ -10,6 +10,7 @@
 #include "Manager/Instance.h"
 #include "Manager/Manager.h"
 #include "Manager/Request.h"
+#include "Format/RefClipModel.h"
 
 #include <gtest/gtest.h>
 
@@ -74,6 +75,25 @@ protected:
     static std::string fixedFolder();
 
     ScopedTestRoots m_roots;
+};
+
+// A manager started on the reference decoder in the fixed folder, flipping
+// clips as the importer asks it to. The decoder must hold nothing once the
+// manager is gone.
+class ManagerTest : public DecoderTest {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+    // Codec-level facts of the install (none by default).
+    virtual std::string installFacts() const { return std::string(); }
+
+    // Writes `model` at <temp>/name; its path.
+    std::string writeClip(const std::string& name, const twref::RefClipModel& model) const;
+    // A small clip (64x36, 24 fps, 4 frames) to change before writing.
+    static twref::RefClipModel smallModel();
+
+    std::string m_install;
+    std::unique_ptr<qvBRAW_Manager> m_manager;
 };
 
 }  // namespace twtest

@@ -12,6 +12,7 @@
 #include "Utils/qvLogging.h"
 #include "twImporterSharedPrefs/twImporterSharedPrefs.h"
 
+#include <climits>
 #include <cmath>
 #include <cstring>
 #include <sstream>
@@ -226,37 +227,38 @@ void setAnamorphicAspect(const std::shared_ptr<qvBRAW_Clip>& clip, imFileInfoRec
     QV_LOG(QV_LOG_ERR, "Weird value of Anamoprhic Metadata unknown !! " << anamorphic);
 }
 
-int32_t roundToInt(double value) { return static_cast<int32_t>(std::round(value)); }
+// A rate the library makes up (not a number, or far beyond any camera's) gives 0
+// rather than a conversion the language leaves undefined.
+int32_t toInt32(double value) {
+    if (!(value >= static_cast<double>(INT32_MIN) && value <= static_cast<double>(INT32_MAX))) return 0;
+    return static_cast<int32_t>(value);
+}
 
 }  // namespace
 
 TWI_FrameRateClass TWI_ClassifyFrameRate(float rate, int32_t& vidScale, int32_t& vidSampleSize) {
     if (std::fabs(rate - std::round(rate)) < 0.01f) {
-        vidScale = static_cast<int32_t>(std::floor(rate + 0.001));
+        vidScale = toInt32(std::floor(rate + 0.001));
         vidSampleSize = 1;
         return TWI_FrameRateClass::Round;
     }
     // Single precision on purpose: the classes were drawn on float rates.
     const float ntsc = 1001.0f * rate;
     if (std::fabs(ntsc - std::round(ntsc)) < 0.1f) {
-        vidScale = roundToInt(static_cast<double>(rate) * 1001.0);
+        vidScale = toInt32(std::round(static_cast<double>(rate) * 1001.0));
         vidSampleSize = 1001;
         return TWI_FrameRateClass::NTSC;
     }
-    vidScale = roundToInt(10000.0 * rate);
+    vidScale = toInt32(std::round(10000.0 * rate));
     vidSampleSize = 10000;
     return TWI_FrameRateClass::Unknown;
 }
 
-QvResult getInfosFromBM(imFileInfoRec8* fileInfo, TWI_PrivateData* privateData, twImporterAttributes* attributes) {
-    std::ostringstream trace;
-    trace << " -- BM Clip Infos --\n";
-    // Whatever way the call ends, its trace goes out in one entry.
-    struct TraceOut {
-        std::ostringstream& trace;
-        ~TraceOut() { QV_LOG(QV_LOG_INFO, trace.str()); }
-    } traceOut{trace};
+namespace {
 
+// The body of getInfosFromBM; its trace lines go to `trace`, logged by the caller in one entry.
+QvResult readClipInfos(imFileInfoRec8* fileInfo, TWI_PrivateData* privateData, twImporterAttributes* attributes,
+                       std::ostringstream& trace) {
     uint64_t clipID = 0;
     std::shared_ptr<qvBRAW_Clip> clip;
     qvBRAW_Manager* manager = privateData->manager;
@@ -312,14 +314,21 @@ QvResult getInfosFromBM(imFileInfoRec8* fileInfo, TWI_PrivateData* privateData, 
     return GetInfoAudio(clip, privateData, fileInfo);
 }
 
+}  // namespace
+
+QvResult getInfosFromBM(imFileInfoRec8* fileInfo, TWI_PrivateData* privateData, twImporterAttributes* attributes) {
+    std::ostringstream trace;
+    trace << " -- BM Clip Infos --\n";
+    const QvResult result = readClipInfos(fileInfo, privateData, attributes, trace);
+    QV_LOG(QV_LOG_INFO, trace.str());
+    return result;
+}
+
 int SDKGetInfo8(imStdParms* stdParms, imFileAccessRec8* fileAccess, imFileInfoRec8* fileInfo) {
     if (!stdParms || !fileInfo) return imOtherErr;
+    // The selector's trace lines go out in one entry at its end.
     std::ostringstream trace;
     trace << "-- GetInfos --\n";
-    struct TraceOut {
-        std::ostringstream& trace;
-        ~TraceOut() { QV_LOG(QV_LOG_INFO, trace.str()); }
-    } traceOut{trace};
 
     QV_APP_ENUM app;
     QvVersion version;
@@ -343,7 +352,7 @@ int SDKGetInfo8(imStdParms* stdParms, imFileAccessRec8* fileAccess, imFileInfoRe
         fileInfo->privatedata = handle;
     }
 
-    return TWI_PrivateData_LockExecute(stdParms, handle, [&](TWI_PrivateData* privateData) {
+    const int result = TWI_PrivateData_LockExecute(stdParms, handle, [&](TWI_PrivateData* privateData) {
         privateData->audioPosition = 0;
         privateData->audioSampleRate = 48000.0;
         privateData->audioChannelCount = 0;
@@ -382,4 +391,6 @@ int SDKGetInfo8(imStdParms* stdParms, imFileAccessRec8* fileAccess, imFileInfoRe
         }
         return result;
     });
+    QV_LOG(QV_LOG_INFO, trace.str());
+    return result;
 }

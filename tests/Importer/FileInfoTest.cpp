@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace {
@@ -168,6 +169,11 @@ TEST_F(ClipImportTest, FrameRatesReachTheHostByTheirClass) {
         EXPECT_EQ(packed(file.info().vidSampleSize), c.sampleSize) << c.rate;
         EXPECT_EQ(record(file).vidScale, c.scale) << c.rate;
         EXPECT_EQ(record(file).frameRate, static_cast<double>(c.rate)) << c.rate;
+    }
+    // Rates no camera records still import, with nothing undefined on the way.
+    for (const float odd : {std::nanf(""), 1.0e12f, 3.0e9f + 0.5f}) {
+        twSimFile& file = importClip(writeClip("odd" + std::to_string(index++) + ".braw", clipAt(odd)));
+        EXPECT_EQ(file.infoResult(), imNoErr) << odd;
     }
 }
 

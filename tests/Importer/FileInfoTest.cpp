@@ -221,13 +221,6 @@ TEST_F(ClipImportTest, AnamorphicPixelAspectOnlyWhenSwitchedOnAndNotRefusedByThe
     }
     EXPECT_EQ(errorMessages().size(), 1u);
 
-    // A blob from before the importer read the lens keeps the old shape too.
-    twSimFile& old = newFile(squeezed);
-    const std::vector<unsigned char> version8 = blob(396, 8, 0);
-    old.setPrefs(version8.data(), version8.size());
-    ASSERT_EQ(old.open(), imNoErr);
-    ASSERT_EQ(old.getInfo(), imNoErr);
-    EXPECT_EQ(aspect(old), "1:1");
 }
 
 TEST_F(ClipImportTest, TwentyResolutionsFitThePrefsAndTwentyOneAreRefused) {
@@ -336,20 +329,3 @@ TEST_F(ClipImportTest, PrefsBlobIsSettledForEachOrigin) {
     EXPECT_EQ(errorMessages(), std::vector<std::string>{"Prefs size is inferior to SharedPrefsJsonCheck size : 2"});
 }
 
-TEST_F(ClipImportTest, PreferencesSelectorHandsTheHostADefaultBlobThatImportSettles) {
-    for (const twSimIdentity& identity : {twSimIdentity::PremierePro(), twSimIdentity::AfterEffects()}) {
-        startHost(identity);
-        twSimFile& file = newFile(writeClip("clip.braw", RefClipModel()));
-        ASSERT_EQ(file.getPrefs(), imNoErr);
-        ASSERT_EQ(file.prefsSize(), 396);
-        const twImporterSharedPrefs defaults;
-        EXPECT_EQ(std::memcmp(file.prefs(), &defaults, sizeof(defaults)), 0);
-
-        ASSERT_EQ(file.open(), imNoErr);
-        ASSERT_EQ(file.getInfo(), imNoErr);
-        const twImporterSharedPrefs settled = settledPrefs(file);
-        EXPECT_EQ(settled.newPrefs, 0);
-        EXPECT_EQ(settled.resolutionCount, 4);
-        finish();
-    }
-}

@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <iostream>
@@ -19,7 +20,20 @@ const char* const kProgram = "tarnwick-host";
 
 bool TakesValue(const std::string& option) {
     return option == "--plugin" || option == "--app" || option == "--version" || option == "--interface" ||
-           option == "--home" || option == "--system-root" || option == "--clip";
+           option == "--home" || option == "--system-root" || option == "--clip" || option == "--start" ||
+           option == "--count";
+}
+
+bool ParseCount(const std::string& option, const std::string& value, long long& out, std::string& error) {
+    char* end = nullptr;
+    errno = 0;
+    const long long v = std::strtoll(value.c_str(), &end, 10);
+    if (value.empty() || *end != 0 || errno != 0 || v < 0) {
+        error = "bad value '" + value + "' for " + option + " (expected a count of sample frames)";
+        return false;
+    }
+    out = v;
+    return true;
 }
 
 bool ApplyOption(const std::string& option, const std::string& value, twHostCliOptions& o, std::string& error) {
@@ -51,6 +65,11 @@ bool ApplyOption(const std::string& option, const std::string& value, twHostCliO
         o.useTestRoots = true;
     } else if (option == "--clip") {
         o.clip = value;
+    } else if (option == "--start") {
+        return ParseCount(option, value, o.audioStart, error);
+    } else if (option == "--count") {
+        o.hasAudioCount = true;
+        return ParseCount(option, value, o.audioCount, error);
     }
     return true;
 }
@@ -155,14 +174,18 @@ void twHostPrintHelp(std::ostream& out) {
         << "                       (default " << IMPORTMOD_VERSION << ")\n"
         << "  --home DIR           the home folder the plug-in uses instead of the real one\n"
         << "  --system-root DIR    a folder put in front of the plug-in's fixed system folders\n"
+        << "  --start N            audio: the first sample frame to read (default 0)\n"
+        << "  --count N            audio: how many sample frames to read (default: to the end)\n"
         << "  --trace              list every selector sent and its result\n"
         << "  -h, --help           show this text\n"
         << "\n"
         << "Exit codes: 0 success; 1 the plug-in failed or left memory, frames or suites\n"
         << "behind; 2 bad command line; 3 the plug-in could not be loaded or initialised.\n"
         << "\n"
-        << "Example:\n"
-        << "  " << kProgram << " --app ame --version 24.1.0 --home /tmp/h catalogue\n";
+        << "Examples:\n"
+        << "  " << kProgram << " --app ame --version 24.1.0 --home /tmp/h catalogue\n"
+        << "  " << kProgram << " --home /tmp/h info clip.braw\n"
+        << "  " << kProgram << " --home /tmp/h audio clip.braw clip.wav --start 48000 --count 96000\n";
 }
 
 std::string twHostDefaultPluginPath() {

@@ -24,6 +24,11 @@ struct twHostCliOptions {
     std::string home;
     std::string systemRoot;
     std::string clip;
+    // The range of sample frames the audio command reads: from audioStart,
+    // audioCount of them, or to the end of the clip without a count.
+    long long audioStart = 0;
+    bool hasAudioCount = false;
+    long long audioCount = 0;
     bool trace = false;
     bool help = false;
 };

@@ -6,6 +6,7 @@
 #include "Common/twDeployment.h"
 #include "Common/twUtils.h"
 #include "FileSystem/qvFileSystem.h"
+#include "twImporterSharedPrefs/twImporterGetPrefs.h"
 #include "Utils/qvLogging.h"
 
 namespace {
@@ -62,11 +63,7 @@ void emptyProductCache(imStdParms* stdParms) {
 }
 
 void identifyHostAtInit(imStdParms* stdParms) {
-    SPBasicSuite* basic = nullptr;
-    if (stdParms && stdParms->piSuites && stdParms->piSuites->utilFuncs &&
-        stdParms->piSuites->utilFuncs->getSPBasicSuite) {
-        basic = stdParms->piSuites->utilFuncs->getSPBasicSuite();
-    }
+    SPBasicSuite* basic = TWI_GetBasicSuite(stdParms);
     const void* suite = nullptr;
     if (basic && basic->AcquireSuite(kPrSDKAppInfoSuite, kPrSDKAppInfoSuiteVersion, &suite) == kSPNoError) {
         if (suite) GetHostPP_(static_cast<PrSDKAppInfoSuite*>(const_cast<void*>(suite)));
@@ -80,6 +77,8 @@ void identifyHostAtInit(imStdParms* stdParms) {
 
 void SDKInit(imStdParms* stdParms, imImportInfoRec* importInfo) {
     twUtils::initQvCommon();
+    // A popup left open by an earlier load of the module is no popup of this one.
+    g_SettingsPopupOpen = false;
 
     // A host that cannot be identified stays Unknown, and no version gate fires.
     QV_APP_ENUM app;

@@ -99,11 +99,7 @@ int TWI_PrivateData_LockExecute(imStdParms* stdParms, char** handle,
 
 int TWI_PrivateData_AcquireSuites(imStdParms* stdParms, TWI_PrivateData* privateData) {
     privateData->memFuncs = memoryFuncsOf(stdParms);
-    SPBasicSuite* basic = nullptr;
-    if (stdParms && stdParms->piSuites && stdParms->piSuites->utilFuncs &&
-        stdParms->piSuites->utilFuncs->getSPBasicSuite) {
-        basic = stdParms->piSuites->utilFuncs->getSPBasicSuite();
-    }
+    SPBasicSuite* basic = TWI_GetBasicSuite(stdParms);
     privateData->basicSuite = basic;
     if (!basic) {
         const qvUtf8String text("getSPBasicSuite returned nullptr : weird !");

@@ -20,18 +20,10 @@
 
 namespace {
 
-SPBasicSuite* basicSuiteOf(const imStdParms* stdParms) {
-    if (!stdParms || !stdParms->piSuites || !stdParms->piSuites->utilFuncs ||
-        !stdParms->piSuites->utilFuncs->getSPBasicSuite) {
-        return nullptr;
-    }
-    return stdParms->piSuites->utilFuncs->getSPBasicSuite();
-}
-
 // The error suite for one message, released when the message is out.
 class ScopedErrorSuite {
 public:
-    explicit ScopedErrorSuite(const imStdParms* stdParms) : m_basic(basicSuiteOf(stdParms)) {
+    explicit ScopedErrorSuite(const imStdParms* stdParms) : m_basic(TWI_GetBasicSuite(stdParms)) {
         if (!m_basic) return;
         const void* suite = nullptr;
         if (m_basic->AcquireSuite(kPrSDKErrorSuite, kPrSDKErrorSuiteVersion3, &suite) == kSPNoError) {
@@ -57,8 +49,16 @@ constexpr size_t kMessageUnits = 256;
 
 }  // namespace
 
+SPBasicSuite* TWI_GetBasicSuite(const imStdParms* stdParms) {
+    if (!stdParms || !stdParms->piSuites || !stdParms->piSuites->utilFuncs ||
+        !stdParms->piSuites->utilFuncs->getSPBasicSuite) {
+        return nullptr;
+    }
+    return stdParms->piSuites->utilFuncs->getSPBasicSuite();
+}
+
 QvResult getHostAndVersion(imStdParms* stdParms, QV_APP_ENUM& app, QvVersion& version) {
-    SPBasicSuite* basic = basicSuiteOf(stdParms);
+    SPBasicSuite* basic = TWI_GetBasicSuite(stdParms);
     if (!basic) return QvResult("Impossible to get BasicSuite");
     const void* suite = nullptr;
     if (basic->AcquireSuite(kPrSDKAppInfoSuite, kPrSDKAppInfoSuiteVersion, &suite) != kSPNoError || !suite) {
@@ -192,4 +192,23 @@ void LogsTestsOnFile(const unsigned short* utf16Path, size_t size) {
     }
     QV_LOG(QV_LOG_INFO, "  - Test wfopen : OK");
     if (fclose(file) != 0) QV_LOG(QV_LOG_INFO, "  - File wasn't properly closed !");
+}
+
+qvUtf8String TWI_CompanionPath(const qvUtf8String& clipPath, const char* extension) {
+    const size_t length = clipPath.Length();
+    const qvUtf8String stem = length > 4 ? clipPath.Substr(0, length - 4) : qvUtf8String();
+    return stem + extension;
+}
+
+qvUtf8String TWI_PathFromUtf16(const void* utf16Path, size_t maxUnits) {
+    std::u16string units;
+    if (utf16Path) {
+        const auto* bytes = static_cast<const unsigned char*>(utf16Path);
+        for (size_t i = 0; i < maxUnits; ++i) {
+            const char16_t unit = static_cast<char16_t>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
+            if (unit == 0) break;
+            units.push_back(unit);
+        }
+    }
+    return qvUtf8String(qvString::Utf16ToWstring(units));
 }

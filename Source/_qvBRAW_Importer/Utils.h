@@ -10,6 +10,9 @@
 
 #include <cstddef>
 
+// The host's basic suite through stdParms; null when the host gives none.
+SPBasicSuite* TWI_GetBasicSuite(const imStdParms* stdParms);
+
 // Application and version from the App Info suite. Each failure is an error
 // result and leaves what was not yet read as it was.
 QvResult getHostAndVersion(imStdParms* stdParms, QV_APP_ENUM& app, QvVersion& version);
@@ -34,6 +37,14 @@ void displayMsgToTheUserFromSuite(const PrSDKErrorSuite3* errorSuite, const qvUt
                                   const qvUtf8String& text, unsigned severity, bool addBugReportText);
 // "Please send us a bug report ! <page> You can contact us at <address>"
 qvUtf8String getBugReportText();
+
+// A companion file of a clip: the clip's path less its last 4 characters, then
+// `extension` ("braw2", "sidecar"). The rule holds whatever the path ends with.
+qvUtf8String TWI_CompanionPath(const qvUtf8String& clipPath, const char* extension);
+
+// The host's UTF-16 path as UTF-8. Reads unit by unit (a path may sit at an odd
+// offset of a packed record) and stops at the terminator or at `maxUnits`.
+qvUtf8String TWI_PathFromUtf16(const void* utf16Path, size_t maxUnits);
 
 // A diagnostic of the path the host asks to open, into the log only.
 void LogsTestsOnFile(const unsigned short* utf16Path, size_t size);

@@ -1,13 +1,31 @@
 #include "_qvBRAW_Importer/Globals.h"
 
+#include "Manager/Instance.h"
+#include "Manager/Manager.h"
+
 qvBRAW_Manager* Global_Manager = nullptr;
 qvPPixFactory* g_PPixFactory = nullptr;
 
-// Seams: the decoder core (instance, manager and its queue) and the PPix
-// factory land later; until then the globals stay null, which every selector
-// already has to live with after a failed start.
-void TWI_CreateGlobalManager() {}
+// A library that is missing or of another build leaves a manager on error:
+// imInit goes on, and the reason reaches the user when a file is opened.
+void TWI_CreateGlobalManager() {
+    qvBRAW_Instance* instance = new qvBRAW_Instance(QV_PLUGIN_IMPORTER);
+    instance->init();
+    Global_Manager = new qvBRAW_Manager();
+    Global_Manager->init(instance);
+    // Host frame buffers run bottom-up: every clip opens flipped.
+    Global_Manager->m_flipVertical = true;
+}
+
+void TWI_FlushGlobalQueue() {
+    if (Global_Manager) Global_Manager->FlushQueue(TW_ALL_QUEUES);
+}
+
+void TWI_DestroyGlobalManager() {
+    delete Global_Manager;
+    Global_Manager = nullptr;
+}
+
+// Seams: the PPix factory lands later; until then its global stays null.
 void TWI_CreatePPixFactory() {}
-void TWI_FlushGlobalQueue() {}
 void TWI_DestroyPPixFactory() {}
-void TWI_DestroyGlobalManager() {}

@@ -1,5 +1,5 @@
 # Fails unless the module's dynamic symbol table defines exactly the importer's
-# entry and the test-roots hook.
+# entry, the test-roots hook and the decoder library's dispatch functions.
 execute_process(COMMAND ${NM} -D --defined-only ${MODULE}
                 OUTPUT_VARIABLE _symbols RESULT_VARIABLE _rc)
 if(NOT _rc EQUAL 0)
@@ -12,6 +12,12 @@ foreach(_line ${_lines})
   list(APPEND _names ${_name})
 endforeach()
 list(SORT _names)
-if(NOT _names STREQUAL "twSetTestRoots;xImportEntry")
+set(_expected
+  CreateBlackmagicRawFactoryInstance CreateBlackmagicRawFactoryInstanceFromBundle
+  CreateBlackmagicRawFactoryInstanceFromExeRelativePath CreateBlackmagicRawFactoryInstanceFromPath
+  SafeArrayAccessData SafeArrayCreate SafeArrayDestroy SafeArrayGetLBound SafeArrayGetUBound
+  SafeArrayGetVartype SafeArrayUnaccessData VariantClear VariantInit twSetTestRoots xImportEntry)
+list(SORT _expected)
+if(NOT _names STREQUAL _expected)
   message(FATAL_ERROR "unexpected exports: ${_names}")
 endif()

@@ -1,5 +1,7 @@
 #include "Platform/qvPlatformString.h"
 
+#include "String/qvUtf8Encode.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -68,23 +70,7 @@ size_t units16(const std::u32string& codePoints) {
 
 void encodeUtf8(const std::u32string& codePoints, std::string& out) {
     out.clear();
-    for (char32_t cp : codePoints) {
-        if (cp < 0x80) {
-            out.push_back(static_cast<char>(cp));
-        } else if (cp < 0x800) {
-            out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        } else if (cp < 0x10000) {
-            out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        } else {
-            out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        }
-    }
+    for (char32_t cp : codePoints) qvAppendUtf8CodePoint(static_cast<uint32_t>(cp), out);
 }
 
 // The getter of the platform's string service: fails when the UTF-8 form and

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "Platform/qvPlatformString.h"
+#include "String/qvUtf8Encode.h"
 
 static_assert(sizeof(wchar_t) == 4, "wide text is taken as 32 bits per unit");
 
@@ -104,21 +105,7 @@ std::string encodeUtf8(const std::basic_string<Wide>& text) {
     for (Wide unit : text) {
         uint32_t cp = static_cast<uint32_t>(unit);
         if ((cp >= 0xD800 && cp <= 0xDFFF) || cp >= 0x110000) return {};
-        if (cp < 0x80) {
-            out.push_back(static_cast<char>(cp));
-        } else if (cp < 0x800) {
-            out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        } else if (cp < 0x10000) {
-            out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        } else {
-            out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        }
+        qvAppendUtf8CodePoint(cp, out);
     }
     return out;
 }

@@ -1,0 +1,372 @@
+#include "Manager/Manager.h"
+
+#include "Manager/Callback.h"
+#include "Manager/Clip.h"
+#include "Manager/Instance.h"
+#include "Manager/Request.h"
+#include "Utils/qvLogging.h"
+#include "Utils/qvUtils.h"
+
+#include <string>
+
+// The queue's lock, traced under its own name rather than the member's.
+#define TW_LOCK_QUEUE_TRACED()                                                        \
+    do {                                                                              \
+        if (!m_queueMutex.try_lock()) {                                               \
+            qvLockTracedWait(m_queueMutex, "QueueMutex", __FILE__, __func__);         \
+        }                                                                             \
+    } while (0)
+
+namespace {
+
+template <typename Interface>
+void releaseAndNull(Interface*& object) {
+    if (object) {
+        object->Release();
+        object = nullptr;
+    }
+}
+
+std::string frameworkLabel(QV_GPU_DEVICE_FRAMEWORK framework) {
+    switch (framework) {
+        case QV_GPU_DEVICE_FRAMEWORK_UNKNOWN: return "Unknown";
+        case QV_GPU_DEVICE_FRAMEWORK_CUDA: return "CUDA";
+        case QV_GPU_DEVICE_FRAMEWORK_OPENCL: return "OPENCL";
+        case QV_GPU_DEVICE_FRAMEWORK_METAL: return "METAL";
+        case QV_GPU_DEVICE_FRAMEWORK_CPU: return "CPU";
+        default: return std::to_string(static_cast<unsigned>(framework));
+    }
+}
+
+uint32_t pipelineOfFramework(QV_GPU_DEVICE_FRAMEWORK framework) {
+    switch (framework) {
+        case QV_GPU_DEVICE_FRAMEWORK_METAL: return blackmagicRawPipelineMetal;
+        case QV_GPU_DEVICE_FRAMEWORK_OPENCL: return blackmagicRawPipelineOpenCL;
+        case QV_GPU_DEVICE_FRAMEWORK_CUDA: return blackmagicRawPipelineCUDA;
+        default: return blackmagicRawPipelineCPU;
+    }
+}
+
+// The short forms of the configuration block; readers of old logs match them.
+const char* shortPipelineLabel(uint32_t pipeline) {
+    switch (pipeline) {
+        case blackmagicRawPipelineCPU: return "CPU";
+        case blackmagicRawPipelineCUDA: return "CUDA";
+        case blackmagicRawPipelineMetal: return "Meta";
+        case blackmagicRawPipelineOpenCL: return "OpenC";
+        default: return "";
+    }
+}
+
+const char* orEmpty(const char* text) { return text ? text : ""; }
+
+}  // namespace
+
+qvBRAW_Manager::qvBRAW_Manager() : m_errorInfo("", false) {}
+
+qvBRAW_Manager::~qvBRAW_Manager() {
+    Release();
+    // Seam: m_parallelWorker stays null until the worker class lands; it is
+    // deleted here then.
+    if (m_instance) {
+        m_instance->Release();
+        delete m_instance;
+        m_instance = nullptr;
+    }
+}
+
+int32_t qvBRAW_Manager::init(qvBRAW_Instance* instance) {
+    if (instance == nullptr) {
+        QV_LOG(QV_LOG_ERR, "qvBRAW_Manager init - Instance is nullptr !");
+        return 1;
+    }
+    m_instance = instance;
+    if (!m_errorInfo.hasError) {
+        QV_LOG(QV_LOG_ERR, "m_errorInfo should be on Error at init");
+        return 1;
+    }
+    m_errorInfo = QvResult();
+    if (!instance->m_BMInit) {
+        m_errorInfo =
+            QvResult("Blackmagic RAW library hasn't been found - Please Reinstall our Software from our website");
+        QV_LOG(QV_LOG_ERR, "qvBRAW_Manager init - Instance BMInit was false");
+        return 1;
+    }
+    if (instance->m_factory == nullptr) {
+        m_errorInfo = QvResult("Manager Init : Factory is nullptr");
+        QV_LOG(QV_LOG_ERR, "qvBRAW_Manager init - Instance Factory was nullptr");
+        return 1;
+    }
+    if (!instance->isTheDllLastVersion()) {
+        m_errorInfo = QvResult(
+            "Blackmagic RAW library has not the good version  - Please Reinstall our Software from our website");
+        QV_LOG(QV_LOG_ERR, "qvBRAW_Manager init - BlackmagicRawAPI seems to be an old version.");
+        return 1;
+    }
+    return initFromFramework(false, instance->m_acceptAnyPipeline, blackmagicRawPipelineCPU, nullptr, nullptr);
+}
+
+int32_t qvBRAW_Manager::initFromFramework(bool fromFramework, bool acceptAnyPipeline, const uint32_t& pipeline,
+                                          void* context, void* commandQueue) {
+    if (m_instance == nullptr) return 1;
+    HRESULT hr = S_OK;
+
+    if (!m_instance->initPipeline(pipeline, blackmagicRawInstructionSetAVX2, acceptAnyPipeline, true)) {
+        if (fromFramework) {
+            QV_LOG(QV_LOG_ERR, "Pipeline Init Failed");
+            return 1;
+        }
+        // Keeping the running codec on its device only makes sense when there
+        // is one: at first start there is neither codec nor device to fall
+        // back on, and the start fails.
+        qvBRAW_GPU_Pipeline* current = m_instance->m_pipeline;
+        if (m_configuration == nullptr || current == nullptr) {
+            m_errorInfo = QvResult(
+                "No pipeline of the Blackmagic RAW library could be initialized - Please Reinstall our Software "
+                "from our website");
+            QV_LOG(QV_LOG_ERR, "qvBRAW_Manager init - No pipeline and no running codec to fall back on");
+            return 1;
+        }
+        hr = m_configuration->SetFromDevice(current->m_device);
+        if (FAILED(hr)) {
+            QV_LOG(QV_LOG_ERR, "Error while setting " << current->m_pipelineName.ToString()
+                                                      << " pipeline to main Codec in setFromDevice : "
+                                                      << qvUtils::getHRESULTerrorMessage(hr));
+        }
+    }
+
+    // A switch: the clips leave the old codec, to be reopened on the new one.
+    std::vector<uint64_t> reopened;
+    if (m_codec) {
+        FlushQueue(TW_ALL_QUEUES);
+        for (auto& entry : m_clips) {
+            if (!entry.second) continue;
+            entry.second->Close(true);
+            reopened.push_back(entry.first);
+        }
+        releaseCodec();
+    }
+    if (m_callback) {
+        m_callback->Release();
+        delete m_callback;
+        m_callback = nullptr;
+    }
+
+    hr = m_instance->m_factory->CreateCodec(&m_codec);
+    if (FAILED(hr) || m_codec == nullptr) {
+        m_errorInfo = QvResult("Blackmagic Factory creation error : Abnormal error.");
+        QV_LOG(QV_LOG_ERR, "qvBRAW_Manager init - Failed to create IBlackmagicRaw (CreateCodec function) : "
+                               << qvUtils::getHRESULTerrorMessage(hr));
+        return 1;
+    }
+
+    hr = m_codec->QueryInterface(IID_IBlackmagicRawConfiguration, reinterpret_cast<LPVOID*>(&m_configuration));
+    if (FAILED(hr) || m_configuration == nullptr) {
+        m_errorInfo = QvResult("Impossible to Query BlackmagicRawConfiguraton from Codec");
+        QV_LOG(QV_LOG_ERR, "qvBRAW_Manager init - Impossible to query Configuration from Codec : "
+                               << qvUtils::getHRESULTerrorMessage(hr));
+        return 1;
+    }
+
+    qvBRAW_GPU_Pipeline* current = m_instance->m_pipeline;
+    if (context && commandQueue && pipeline == blackmagicRawPipelineOpenCL) {
+        hr = m_configuration->SetPipeline(blackmagicRawPipelineOpenCL, context, commandQueue);
+        if (FAILED(hr)) {
+            QV_LOG(QV_LOG_ERR,
+                   "Impossible to Set OpenCL pipeline on new Codec: " << qvUtils::getHRESULTerrorMessage(hr));
+        }
+        if (current) {
+            current->m_context = context;
+            current->m_commandQueue = commandQueue;
+        }
+    } else if (current && current->m_pipeline != blackmagicRawPipelineCPU && current->m_device) {
+        hr = m_configuration->SetFromDevice(current->m_device);
+        if (FAILED(hr)) {
+            QV_LOG(QV_LOG_ERR, "Impossible to SetFromDevice on new Codec : " << qvUtils::getHRESULTerrorMessage(hr));
+        }
+    }
+
+    hr = m_codec->QueryInterface(IID_IBlackmagicRawConfigurationEx, reinterpret_cast<LPVOID*>(&m_configurationEx));
+    if (FAILED(hr) || m_configurationEx == nullptr) {
+        m_errorInfo = QvResult("Impossible to Get ConfigurationEx from Codec");
+        QV_LOG(QV_LOG_ERR, "Impossible to Get ConfigurationEx from Codec" << qvUtils::getHRESULTerrorMessage(hr));
+        return 1;
+    }
+
+    hr = m_configurationEx->GetResourceManager(&m_resourceManager);
+    if (FAILED(hr) || m_resourceManager == nullptr) {
+        m_errorInfo = QvResult("Impossible to Get ResourceManager from ConfigurationEx");
+        QV_LOG(QV_LOG_ERR,
+               "Impossible to Get ResourceManager from ConfigurationEx" << qvUtils::getHRESULTerrorMessage(hr));
+        return 1;
+    }
+
+    hr = m_codec->QueryInterface(IID_IBlackmagicRawManualDecoderFlow1,
+                                 reinterpret_cast<LPVOID*>(&m_manualDecoderFlow1));
+    if (FAILED(hr) || m_manualDecoderFlow1 == nullptr) {
+        m_errorInfo = QvResult("Impossible to Get ManualDecoderCPU from Codec");
+        QV_LOG(QV_LOG_ERR, "Impossible to Get ManualDecoderCPU from Codec" << qvUtils::getHRESULTerrorMessage(hr));
+        return 1;
+    }
+
+    if (current && current->m_pipeline != blackmagicRawPipelineCPU) {
+        hr = m_codec->QueryInterface(IID_IBlackmagicRawManualDecoderFlow2,
+                                     reinterpret_cast<LPVOID*>(&m_manualDecoderFlow2));
+        if (FAILED(hr) || m_manualDecoderFlow2 == nullptr) {
+            QV_LOG(QV_LOG_ERR, "Impossible to Get ManualDecoderGPU from Codec" << qvUtils::getHRESULTerrorMessage(hr));
+        }
+    }
+
+    m_callback = new qvBRAW_Manager_Callback();
+    hr = m_codec->SetCallback(m_callback);
+    if (FAILED(hr)) {
+        m_errorInfo = QvResult("Blackmagic Callback setting error : Abnormal error.");
+        QV_LOG(QV_LOG_ERR, "qvBRAW_Manager init - Failed to set IBlackmagicRawCallback!");
+        return 1;
+    }
+
+    logCodecConfiguration();
+
+    for (uint64_t id : reopened) m_clips[id]->reload(m_codec);
+    return 0;
+}
+
+int32_t qvBRAW_Manager::setCodecFromFrameWork(QV_GPU_DEVICE_FRAMEWORK& framework, void* context,
+                                              void* commandQueue) {
+    QV_LOG(QV_LOG_INFO, "Setting Codec to Framework : " << frameworkLabel(framework));
+    const uint32_t pipeline = pipelineOfFramework(framework);
+    const bool acceptAnyPipeline = framework == QV_GPU_DEVICE_FRAMEWORK_UNKNOWN;
+
+    qvBRAW_GPU_Pipeline* current = m_instance ? m_instance->m_pipeline : nullptr;
+    if (current == nullptr || current->m_pipeline != pipeline) {
+        return initFromFramework(true, acceptAnyPipeline, pipeline, context, commandQueue);
+    }
+    // The queue is compared for equality, not difference: a repeat with the
+    // same context and another queue counts as set, and a repeat with the same
+    // context and the same queue makes a new codec. Hosts rely on it as it is.
+    if (context && commandQueue && framework == QV_GPU_DEVICE_FRAMEWORK_OPENCL &&
+        (context != current->m_context || commandQueue == current->m_commandQueue)) {
+        QV_LOG(QV_LOG_WARN, "OpenCL Pipeline asked twice but not with same context / command queue !");
+        return initFromFramework(true, acceptAnyPipeline, pipeline, context, commandQueue);
+    }
+    QV_LOG(QV_LOG_INFO, "Pipeline already set - No need to do anything here");
+    return 0;
+}
+
+void qvBRAW_Manager::logCodecConfiguration() {
+    if (m_configuration == nullptr) return;
+    uint32_t threadCount = 0;
+    uint32_t maxThreadCount = 0;
+    bool cpu = false;
+    bool cuda = false;
+    bool metal = false;
+    bool openCL = false;
+    bool writeMetadataPerFrame = false;
+    const char* version = nullptr;
+    const char* cameraSupportVersion = nullptr;
+    BlackmagicRawPipeline pipeline = blackmagicRawPipelineCPU;
+
+    m_configuration->GetCPUThreads(&threadCount);
+    m_configuration->GetMaxCPUThreadCount(&maxThreadCount);
+    m_configuration->IsPipelineSupported(blackmagicRawPipelineCPU, &cpu);
+    m_configuration->IsPipelineSupported(blackmagicRawPipelineCUDA, &cuda);
+    m_configuration->IsPipelineSupported(blackmagicRawPipelineMetal, &metal);
+    m_configuration->IsPipelineSupported(blackmagicRawPipelineOpenCL, &openCL);
+    m_configuration->GetWriteMetadataPerFrame(&writeMetadataPerFrame);
+    m_configuration->GetVersion(&version);
+    m_configuration->GetCameraSupportVersion(&cameraSupportVersion);
+    m_configuration->GetPipeline(&pipeline, nullptr, nullptr);
+
+    QV_LOG(QV_LOG_INFO, "Thread : \n"
+                            << "    - Count : " << threadCount << "\n"
+                            << "    - MaxCount : " << maxThreadCount << "\n"
+                            << "Pipeline supported : \n"
+                            << "    - CPU : " << cpu << "\n"
+                            << "    - CUDA : " << cuda << "\n"
+                            << "    - METAL : " << metal << "\n"
+                            << "    - OPENCL : " << openCL << "\n"
+                            << "General Infos : \n"
+                            << "    - Current Pipeline : " << shortPipelineLabel(pipeline) << "\n"
+                            << "    - WriteMetadataPerFrame : " << writeMetadataPerFrame << "\n"
+                            << "    - Version : " << orEmpty(version) << "\n"
+                            << "    - Camera Supported Version : " << orEmpty(cameraSupportVersion) << "\n");
+}
+
+int32_t qvBRAW_Manager::createGeometryForClip(IBlackmagicRawClipGeometry** out) {
+    if (out == nullptr || m_instance == nullptr || m_instance->m_factory == nullptr) return E_POINTER;
+    HRESULT hr = m_instance->m_factory->CreateClipGeometry(out);
+    if (FAILED(hr) || *out == nullptr) {
+        if (SUCCEEDED(hr)) hr = E_FAIL;
+        QV_LOG(QV_LOG_ERR, "Impossible to Create Clip Geometry .. " << qvUtils::getHRESULTerrorMessage(hr));
+        return hr;
+    }
+    IBlackmagicRawClipGeometry* geometry = *out;
+    BlackmagicRawRotation rotation = 0;
+    BlackmagicRawAnamorphicRatio anamorphicRatio = 0;
+    BlackmagicRawFlip flip = 0;
+    geometry->GetRotation(&rotation);
+    geometry->GetAnamorphicRatio(&anamorphicRatio);
+    geometry->GetFlip(&flip);
+
+    geometry->SetAnamorphicRatio(blackmagicRawAnamorphicRatioDisabled);
+    if (m_useMetadataGeometry) geometry->SetAnamorphicRatio(blackmagicRawAnamorphicRatioFromMetadata);
+    geometry->SetFlip(blackmagicRawFlipDisabled);
+    if (m_flipVertical) {
+        QV_LOG(QV_LOG_INFO, "Opening Clip with Flip Vertical");
+        geometry->SetFlip(blackmagicRawFlipVertical);
+    }
+    return 0;
+}
+
+void qvBRAW_Manager::releaseCodec() {
+    releaseAndNull(m_manualDecoderFlow1);
+    releaseAndNull(m_manualDecoderFlow2);
+    releaseAndNull(m_resourceManager);
+    releaseAndNull(m_configurationEx);
+    releaseAndNull(m_configuration);
+    releaseAndNull(m_codec);
+}
+
+int32_t qvBRAW_Manager::Release() {
+    QV_LOG(QV_LOG_INFO, "Releasing Global Manager");
+    if (m_codec) m_codec->FlushJobs();
+
+    QV_LOCK_TRACED(m_clipsMutex);
+    if (!m_clips.empty()) m_clips.clear();
+    m_clipsMutex.unlock();
+
+    releaseCodec();
+    if (m_callback) {
+        delete m_callback;
+        m_callback = nullptr;
+    }
+    return 0;
+}
+
+int32_t qvBRAW_Manager::FlushQueue(uint32_t queueID) {
+    if (m_codec == nullptr) return 1;
+    // After it no callback runs, so no stage holds a request of the queue.
+    m_codec->FlushJobs();
+
+    TW_LOCK_QUEUE_TRACED();
+    const size_t before = m_queue.size();
+    for (size_t index = m_queue.size(); index-- > 0;) {
+        const std::shared_ptr<qvBRAW_Request> request = m_queue[index];
+        QV_LOCK_TRACED(request->m_mutex);
+        // Cancelled requests of other queues are swept up too.
+        if (queueID != TW_ALL_QUEUES && request->m_queueID != queueID && !request->m_cancelled) {
+            request->m_mutex.unlock();
+            continue;
+        }
+        if (request->m_finished) {
+            m_queue.erase(m_queue.begin() + static_cast<std::ptrdiff_t>(index));
+        } else {
+            QV_LOG(QV_LOG_ERR, request->logPrefix() << "Request not finished after FlushJobs!");
+            request->Cancel();
+        }
+        request->m_mutex.unlock();
+    }
+    QV_LOG(QV_LOG_INFO, "Flushing Queue - size before/after :" << before << "/" << m_queue.size());
+    m_queueMutex.unlock();
+    return 0;
+}

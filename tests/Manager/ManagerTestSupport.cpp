@@ -1,0 +1,169 @@
+#include "ManagerTestSupport.h"
+
+#include "ProductConfig.h"
+#include "Library/RefDecoderDebug.h"
+#include "Utils/qvLogging.h"
+#include "Writer/RefClipWriter.h"
+
+#include <dlfcn.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace twtest {
+
+const char kSeveralPipelinesFacts[] = R"({
+  "version": "5.0.0 test", "camera_support_version": "5.0 test cameras",
+  "cpu_threads": 3, "max_cpu_thread_count": 12, "write_metadata_per_frame": true,
+  "pipelines": [
+    {"pipeline": "cpub", "devices": [
+      {"name": "CPU A", "index": 0, "instruction_set": "avx_"},
+      {"name": "CPU B", "index": 1, "instruction_set": "se41"},
+      {"name": "CPU C", "index": 2, "instruction_set": "avx2"}]},
+    {"pipeline": "cuda", "devices": [
+      {"name": "GPU 0", "index": 0, "instruction_set": "se41", "context": 11, "command_queue": 12}]},
+    {"pipeline": "opcl", "devices": [
+      {"name": "OCL 0", "index": 0, "instruction_set": "avx2", "context": 21, "command_queue": 22}]}
+  ]
+})";
+
+namespace {
+
+int64_t fileSize(const std::string& path) {
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 ? static_cast<int64_t>(info.st_size) : -1;
+}
+
+// The library is loaded into the process's global scope, so its debug entry is
+// found without its handle.
+TwRefDecoderLiveObjectsFunc liveObjectsFunction() {
+    return reinterpret_cast<TwRefDecoderLiveObjectsFunc>(dlsym(RTLD_DEFAULT, TW_REF_DECODER_LIVE_OBJECTS_SYMBOL));
+}
+
+}  // namespace
+
+std::string factsWithFaults(const std::string& faults) {
+    std::string facts = kSeveralPipelinesFacts;
+    facts.insert(facts.rfind('}'), ", \"faults\": " + faults);
+    return facts;
+}
+
+std::string codecVersion(IBlackmagicRawFactory* factory) {
+    if (!factory) return "<no factory>";
+    std::string text = "<no version>";
+    IBlackmagicRaw* codec = nullptr;
+    if (SUCCEEDED(factory->CreateCodec(&codec)) && codec) {
+        IBlackmagicRawConfiguration* configuration = nullptr;
+        if (SUCCEEDED(
+                codec->QueryInterface(IID_IBlackmagicRawConfiguration, reinterpret_cast<LPVOID*>(&configuration)))) {
+            const char* version = nullptr;
+            if (SUCCEEDED(configuration->GetVersion(&version)) && version) text = version;
+            configuration->Release();
+        }
+        codec->Release();
+    }
+    factory->Release();
+    return text;
+}
+
+std::string installDecoder(const std::string& folder, int64_t extraBytes, const std::string& facts) {
+    std::filesystem::create_directories(folder);
+    const std::string target = folder + "/libBlackmagicRawAPI.so";
+    {
+        std::ifstream in(TW_REF_DECODER_LIBRARY, std::ios::binary);
+        std::ofstream out(target, std::ios::binary | std::ios::trunc);
+        out << in.rdbuf();
+    }
+    const int64_t wanted = qvBRAW_Instance::expectedLibrarySize() + extraBytes;
+    const int64_t built = fileSize(target);
+    if (wanted < built) throw std::runtime_error("the accepted decoder size is below the size of the built one");
+    // Bytes behind the last section change nothing of what the loader maps.
+    std::ofstream(target, std::ios::binary | std::ios::app) << std::string(static_cast<size_t>(wanted - built), '\0');
+    if (!facts.empty()) writeFacts(folder, facts);
+    return folder.back() == '/' ? folder : folder + "/";
+}
+
+void writeFacts(const std::string& folder, const std::string& facts) {
+    std::ofstream(folder + "/libBlackmagicRawAPI.json", std::ios::binary | std::ios::trunc) << facts;
+}
+
+uint64_t decoderLiveObjects() {
+    const TwRefDecoderLiveObjectsFunc live = liveObjectsFunction();
+    return live ? live(nullptr, 0) : 0;
+}
+
+std::string decoderLiveReport() {
+    const TwRefDecoderLiveObjectsFunc live = liveObjectsFunction();
+    if (!live) return std::string();
+    std::vector<char> text(1 << 16);
+    live(text.data(), static_cast<uint32_t>(text.size()));
+    return text.data();
+}
+
+std::string writeSmallClip(const TempFolder& folder, const std::string& name) {
+    const std::string path = folder.join(name);
+    std::string error;
+    if (!twref::RefClipWriter::write(path, twref::RefClipWriter::makeClip(64, 36, 24.0f, 4), &error)) {
+        throw std::runtime_error(error);
+    }
+    return path;
+}
+
+std::shared_ptr<qvBRAW_Clip> addClip(qvBRAW_Manager& manager, const std::string& path, uint64_t id) {
+    IBlackmagicRawClipGeometry* geometry = nullptr;
+    if (manager.createGeometryForClip(&geometry) != 0) return nullptr;
+    auto clip = std::make_shared<qvBRAW_Clip>(id, path);
+    if (clip->openAndInit(manager.m_codec, geometry).hasError) {
+        geometry->Release();
+        return nullptr;
+    }
+    manager.m_clips[id] = clip;
+    return clip;
+}
+
+TestRequest::TestRequest(uint64_t queueID, uint64_t clipID, uint64_t frame, bool finished)
+    : qvBRAW_Request(true, nullptr) {
+    m_queueID = queueID;
+    m_clipID = clipID;
+    m_frame = frame;
+    m_finished = finished;
+}
+
+void DecoderTest::SetUp() {
+    UseProductConfig();
+    const QvResult activated =
+        g_logger.activateFileLogging(QV_LOG_INFO, "Tarnwick_Importer_Premiere Pro.log", QV_APP_ENUM::QV_APP_PPRO,
+                                     qvUtf8String("25.0"), QvLogZipCollector(), true);
+    ASSERT_FALSE(activated.hasError) << activated.toString().Str();
+}
+
+void DecoderTest::TearDown() { g_logger.desactivateFileLogging(); }
+
+std::string DecoderTest::logText() const {
+    return TempFolder::readFile(
+        m_roots.home() + "/Library/Application Support/Qervane/Tarnwick/Logs/Tarnwick_Importer_Premiere Pro.log");
+}
+
+std::vector<std::string> DecoderTest::messages(const std::string& level) const {
+    std::vector<std::string> out;
+    for (const std::string& line : SplitLines(logText())) {
+        LogLine parsed;
+        if (ParseLogLine(line, parsed) && parsed.level == level) out.push_back(parsed.message);
+    }
+    return out;
+}
+
+bool DecoderTest::logged(const std::string& level, const std::string& message) const {
+    for (const std::string& m : messages(level)) {
+        if (m == message) return true;
+    }
+    return false;
+}
+
+std::string DecoderTest::pluginFolder() const { return m_roots.folder().join("plugin") + "/"; }
+
+std::string DecoderTest::fixedFolder() { return qvBRAW_Instance::fixedLibraryFolder().Str(); }
+
+}  // namespace twtest

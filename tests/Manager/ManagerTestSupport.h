@@ -1,0 +1,79 @@
+#pragma once
+// What the decoder core's tests share: reference decoder installs laid out in a
+// temporary system root, the library's live-object report, a log to read back,
+// clips opened the way the registry opens them, and requests for the queue.
+
+#include "LogTestSupport.h"
+#include "TempFolder.h"
+
+#include "Manager/Clip.h"
+#include "Manager/Instance.h"
+#include "Manager/Manager.h"
+#include "Manager/Request.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace twtest {
+
+// Codec-level facts offering three pipelines: a CPU with three devices of
+// different instruction sets (AVX, SSE41, AVX2 in that order), a CUDA device
+// and an OpenCL device, each GPU with its own context and command queue.
+extern const char kSeveralPipelinesFacts[];
+
+// kSeveralPipelinesFacts with these codec-level faults (a JSON array).
+std::string factsWithFaults(const std::string& faults);
+
+// The version text of a codec made by `factory`, which is then released.
+std::string codecVersion(IBlackmagicRawFactory* factory);
+
+// Copies the decoder library built in this tree into `folder` (made when
+// missing) as libBlackmagicRawAPI.so, at the size the instance accepts plus
+// `extraBytes`, with `facts` beside it when not empty. The folder with "/".
+std::string installDecoder(const std::string& folder, int64_t extraBytes = 0, const std::string& facts = "");
+// Rewrites the facts file of an install.
+void writeFacts(const std::string& folder, const std::string& facts);
+
+// Objects the loaded reference decoder still holds (0 when none is loaded),
+// and their list.
+uint64_t decoderLiveObjects();
+std::string decoderLiveReport();
+#define EXPECT_DECODER_CLEAN() EXPECT_EQ(twtest::decoderLiveObjects(), 0u) << twtest::decoderLiveReport()
+
+// A small reference clip written at folder/name.
+std::string writeSmallClip(const TempFolder& folder, const std::string& name);
+
+// Opens a clip through the manager's geometry and enters it under `id`.
+std::shared_ptr<qvBRAW_Clip> addClip(qvBRAW_Manager& manager, const std::string& path, uint64_t id);
+
+// A request that counts its cancellations.
+class TestRequest : public qvBRAW_Request {
+public:
+    TestRequest(uint64_t queueID, uint64_t clipID, uint64_t frame, bool finished);
+    void OnCancelled() override { ++m_onCancelledCount; }
+    int m_onCancelledCount = 0;
+};
+
+// Test roots, the product's configuration and a log at INFO in the test home.
+class DecoderTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    std::string logText() const;
+    // Messages of the log lines at `level` ("INFO", "ERR"...), in order.
+    std::vector<std::string> messages(const std::string& level) const;
+    bool logged(const std::string& level, const std::string& message) const;
+
+    // <temp>/plugin/ and the product's fixed install folder under the test root.
+    std::string pluginFolder() const;
+    static std::string fixedFolder();
+
+    ScopedTestRoots m_roots;
+};
+
+}  // namespace twtest

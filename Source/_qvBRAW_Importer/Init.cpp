@@ -130,6 +130,8 @@ void SDKInit(imStdParms* stdParms, imImportInfoRec* importInfo) {
 }
 
 void SDKShutdown(imStdParms*) {
+    // The host may unload the module or exit once this returns.
+    TWI_WaitForInstallChecks();
     TWI_FlushGlobalQueue();
     TWI_DestroyPPixFactory();
     TWI_DestroyGlobalManager();

@@ -11,9 +11,11 @@
 #include "Utils/qvUtils.h"
 
 #include <cerrno>
+#include <condition_variable>
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -46,6 +48,37 @@ private:
 };
 
 constexpr size_t kMessageUnits = 256;
+
+// The install checks under way. They run detached, yet imShutdown lets them
+// finish: after it nothing of this importer runs on the host's behalf, and a
+// host that exits right away does not tear the module down under a check.
+class InstallCheckTracker {
+public:
+    void started() {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        ++m_running;
+    }
+    void finished() {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        --m_running;
+        m_done.notify_all();
+    }
+    void waitForAll() {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_done.wait(lock, [this] { return m_running == 0; });
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_done;
+    int m_running = 0;
+};
+
+// Never destroyed: a check may still be finishing while the process exits.
+InstallCheckTracker& installChecks() {
+    static InstallCheckTracker* s_tracker = new InstallCheckTracker();
+    return *s_tracker;
+}
 
 }  // namespace
 
@@ -115,7 +148,17 @@ void activateLogsIfNeeded(imStdParms* stdParms) {
 void UpdateLogs(imStdParms* stdParms, bool displayInstallProblem) {
     activateLogsIfNeeded(stdParms);
     if (!displayInstallProblem && !g_logger.isLoggingActivated(QV_LOG_INFO)) return;
-    std::thread check(checkInstallFolderPPro, stdParms, displayInstallProblem);
+    installChecks().started();
+    std::thread check;
+    try {
+        check = std::thread([stdParms, displayInstallProblem] {
+            checkInstallFolderPPro(stdParms, displayInstallProblem);
+            installChecks().finished();
+        });
+    } catch (...) {
+        installChecks().finished();
+        throw;
+    }
     const QvResult priority = qvUtils::setThreadLowPriority(check);
     if (priority.hasError) {
         QV_LOG(QV_LOG_ERR, "Error when setting CheckInstallFolder priority " << priority.toString());
@@ -124,6 +167,8 @@ void UpdateLogs(imStdParms* stdParms, bool displayInstallProblem) {
     }
     check.detach();
 }
+
+void TWI_WaitForInstallChecks() { installChecks().waitForAll(); }
 
 void checkInstallFolderPPro(imStdParms* stdParms, bool displayInstallProblem) {
     try {

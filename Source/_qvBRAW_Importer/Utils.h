@@ -27,6 +27,8 @@ void activateLogsIfNeeded(imStdParms* stdParms);
 // The body of the install check thread: logs the verdict, and shows a box for a
 // broken install when asked to.
 void checkInstallFolderPPro(imStdParms* stdParms, bool displayInstallProblem);
+// Returns once no install check is running any more.
+void TWI_WaitForInstallChecks();
 
 // Posts an event through the host's Error suite: "BRAW - " before the title,
 // and the bug-report request after the text when asked. Severity 2 is a

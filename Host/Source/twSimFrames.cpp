@@ -276,52 +276,45 @@ prSuiteError twSimFrames::getPixels(PPixHand h, PrPPixBufferAccess access, char*
     return suiteError_NoError;
 }
 
+prSuiteError twSimFrames::readAlive(PPixHand h, const char* operation,
+                                    const std::function<void(const Frame&)>& read) const {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const Frame* frame = findAlive(h, operation);
+    if (!frame) return suiteError_InvalidParms;
+    read(*frame);
+    return suiteError_NoError;
+}
+
 prSuiteError twSimFrames::getBounds(PPixHand h, prRect* out) {
     if (!out) return suiteError_InvalidParms;
-    std::lock_guard<std::mutex> lock(m_mutex);
-    Frame* frame = findAlive(h, "GetBounds");
-    if (!frame) return suiteError_InvalidParms;
-    *out = frame->record.bounds;
-    return suiteError_NoError;
+    return readAlive(h, "GetBounds", [out](const Frame& frame) { *out = frame.record.bounds; });
 }
 
 prSuiteError twSimFrames::getRowBytes(PPixHand h, csSDK_int32* out) {
     if (!out) return suiteError_InvalidParms;
-    std::lock_guard<std::mutex> lock(m_mutex);
-    Frame* frame = findAlive(h, "GetRowBytes");
-    if (!frame) return suiteError_InvalidParms;
-    *out = frame->rowBytes;
-    return suiteError_NoError;
+    return readAlive(h, "GetRowBytes", [out](const Frame& frame) { *out = frame.rowBytes; });
 }
 
 prSuiteError twSimFrames::getPixelAspectRatio(PPixHand h, csSDK_uint32* num, csSDK_uint32* den) {
     if (!num || !den) return suiteError_InvalidParms;
-    std::lock_guard<std::mutex> lock(m_mutex);
-    Frame* frame = findAlive(h, "GetPixelAspectRatio");
-    if (!frame) return suiteError_InvalidParms;
-    *num = frame->parNum;
-    *den = frame->parDen;
-    return suiteError_NoError;
+    return readAlive(h, "GetPixelAspectRatio", [num, den](const Frame& frame) {
+        *num = frame.parNum;
+        *den = frame.parDen;
+    });
 }
 
 prSuiteError twSimFrames::getPixelFormat(PPixHand h, PrPixelFormat* out) {
     if (!out) return suiteError_InvalidParms;
-    std::lock_guard<std::mutex> lock(m_mutex);
-    Frame* frame = findAlive(h, "GetPixelFormat");
-    if (!frame) return suiteError_InvalidParms;
-    *out = frame->format;
-    return suiteError_NoError;
+    return readAlive(h, "GetPixelFormat", [out](const Frame& frame) { *out = frame.format; });
 }
 
 prSuiteError twSimFrames::getUniqueKey(PPixHand h, unsigned char* buffer, size_t size) {
     if (!buffer || size < kUniqueKeySize) return suiteError_InvalidParms;
-    std::lock_guard<std::mutex> lock(m_mutex);
-    Frame* frame = findAlive(h, "GetUniqueKey");
-    if (!frame) return suiteError_InvalidParms;
-    std::memset(buffer, 0, size);
-    std::memcpy(buffer, "twsimppx", 8);
-    std::memcpy(buffer + 8, &frame->id, sizeof(frame->id));
-    return suiteError_NoError;
+    return readAlive(h, "GetUniqueKey", [buffer, size](const Frame& frame) {
+        std::memset(buffer, 0, size);
+        std::memcpy(buffer, "twsimppx", 8);
+        std::memcpy(buffer + 8, &frame.id, sizeof(frame.id));
+    });
 }
 
 bool twSimFrames::addReference(PPixHand h, bool byCache) {

@@ -14,6 +14,7 @@
 #include "MediaCorePixelFormats.h"
 #include "MediaCoreTypes.h"
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -93,6 +94,8 @@ public:
 private:
     struct Frame;
     Frame* findAlive(PPixHand h, const char* operation) const;
+    // Runs read on the living frame h under the lock; InvalidParms when h is not one.
+    prSuiteError readAlive(PPixHand h, const char* operation, const std::function<void(const Frame&)>& read) const;
     prSuiteError finishCreation(std::unique_ptr<Frame> frame, PPixHand* out);
     void release(Frame& frame);
     void checkGuards(Frame& frame) const;

@@ -156,54 +156,71 @@ HRESULT RefManualDecoderSteps::createProcess(void* frameState, void* decoded, vo
     return S_OK;
 }
 
-// ---- flow 1 ---------------------------------------------------------------------------
+// ---- what both flows share ----------------------------------------------------------
 
-RefManualDecoderFlow1::RefManualDecoderFlow1(RefCodec* codec)
-    : RefLibObject("ManualDecoderFlow1"), m_steps(codec, "ManualDecoderFlow1")
+template <class Flow>
+RefManualDecoderFlow<Flow>::RefManualDecoderFlow(RefCodec* codec, const char* kind, REFIID own)
+    : RefLibObject(kind), m_steps(codec, kind), m_own(own)
 {
 }
 
-HRESULT RefManualDecoderFlow1::QueryInterface(REFIID iid, LPVOID* out)
+template <class Flow>
+HRESULT RefManualDecoderFlow<Flow>::QueryInterface(REFIID iid, LPVOID* out)
 {
-    return m_steps.query(iid, out, static_cast<IBlackmagicRawManualDecoderFlow1*>(this),
-                         IID_IBlackmagicRawManualDecoderFlow1);
+    return m_steps.query(iid, out, static_cast<Flow*>(this), m_own);
 }
 
-HRESULT RefManualDecoderFlow1::PopulateFrameStateBuffer(IBlackmagicRawFrame* frame,
-                                                        IBlackmagicRawClipProcessingAttributes* clipProcessingAttributes,
-                                                        IBlackmagicRawFrameProcessingAttributes* frameProcessingAttributes,
-                                                        void* frameState, uint32_t frameStateSizeBytes)
+template <class Flow>
+HRESULT RefManualDecoderFlow<Flow>::PopulateFrameStateBuffer(
+    IBlackmagicRawFrame* frame, IBlackmagicRawClipProcessingAttributes* clipProcessingAttributes,
+    IBlackmagicRawFrameProcessingAttributes* frameProcessingAttributes, void* frameState,
+    uint32_t frameStateSizeBytes)
 {
     return m_steps.populate(frame, clipProcessingAttributes, frameProcessingAttributes, frameState,
                             frameStateSizeBytes);
 }
 
-HRESULT RefManualDecoderFlow1::GetFrameStateSizeBytes(uint32_t* frameStateSizeBytes)
+template <class Flow>
+HRESULT RefManualDecoderFlow<Flow>::GetFrameStateSizeBytes(uint32_t* frameStateSizeBytes)
 {
     return m_steps.frameStateSize(frameStateSizeBytes);
 }
 
-HRESULT RefManualDecoderFlow1::GetDecodedSizeBytes(void* frameStateBufferCPU, uint32_t* decodedSizeBytes)
+template <class Flow>
+HRESULT RefManualDecoderFlow<Flow>::GetDecodedSizeBytes(void* frameStateBufferCPU, uint32_t* decodedSizeBytes)
 {
     return m_steps.stateSize("GetDecodedSizeBytes", frameStateBufferCPU, &RefFrameState::decodedBytes,
                              decodedSizeBytes);
 }
 
-HRESULT RefManualDecoderFlow1::GetProcessedSizeBytes(void* frameStateBufferCPU, uint32_t* processedSizeBytes)
+template <class Flow>
+HRESULT RefManualDecoderFlow<Flow>::GetProcessedSizeBytes(void* frameStateBufferCPU, uint32_t* processedSizeBytes)
 {
     return m_steps.stateSize("GetProcessedSizeBytes", frameStateBufferCPU, &RefFrameState::processedBytes,
                              processedSizeBytes);
 }
 
-HRESULT RefManualDecoderFlow1::GetPost3DLUTSizeBytes(void* frameStateBufferCPU, uint32_t* post3DLUTSizeBytes)
+template <class Flow>
+HRESULT RefManualDecoderFlow<Flow>::GetPost3DLUTSizeBytes(void* frameStateBufferCPU, uint32_t* post3DLUTSizeBytes)
 {
     return m_steps.lutSize(frameStateBufferCPU, post3DLUTSizeBytes);
 }
 
-HRESULT RefManualDecoderFlow1::CreateJobDecode(void* frameStateBufferCPU, void* bitStreamBufferCPU,
-                                               void* decodedBufferCPU, IBlackmagicRawJob** job)
+template <class Flow>
+HRESULT RefManualDecoderFlow<Flow>::CreateJobDecode(void* frameStateBufferCPU, void* bitStreamBufferCPU,
+                                                    void* decodedBufferCPU, IBlackmagicRawJob** job)
 {
     return m_steps.createDecode(frameStateBufferCPU, bitStreamBufferCPU, decodedBufferCPU, job);
+}
+
+template class RefManualDecoderFlow<IBlackmagicRawManualDecoderFlow1>;
+template class RefManualDecoderFlow<IBlackmagicRawManualDecoderFlow2>;
+
+// ---- flow 1 ---------------------------------------------------------------------------
+
+RefManualDecoderFlow1::RefManualDecoderFlow1(RefCodec* codec)
+    : RefManualDecoderFlow(codec, "ManualDecoderFlow1", IID_IBlackmagicRawManualDecoderFlow1)
+{
 }
 
 HRESULT RefManualDecoderFlow1::CreateJobProcess(void* frameStateBufferCPU, void* decodedBufferCPU,
@@ -217,57 +234,14 @@ HRESULT RefManualDecoderFlow1::CreateJobProcess(void* frameStateBufferCPU, void*
 // ---- flow 2 ---------------------------------------------------------------------------
 
 RefManualDecoderFlow2::RefManualDecoderFlow2(RefCodec* codec)
-    : RefLibObject("ManualDecoderFlow2"), m_steps(codec, "ManualDecoderFlow2")
+    : RefManualDecoderFlow(codec, "ManualDecoderFlow2", IID_IBlackmagicRawManualDecoderFlow2)
 {
-}
-
-HRESULT RefManualDecoderFlow2::QueryInterface(REFIID iid, LPVOID* out)
-{
-    return m_steps.query(iid, out, static_cast<IBlackmagicRawManualDecoderFlow2*>(this),
-                         IID_IBlackmagicRawManualDecoderFlow2);
-}
-
-HRESULT RefManualDecoderFlow2::PopulateFrameStateBuffer(IBlackmagicRawFrame* frame,
-                                                        IBlackmagicRawClipProcessingAttributes* clipProcessingAttributes,
-                                                        IBlackmagicRawFrameProcessingAttributes* frameProcessingAttributes,
-                                                        void* frameState, uint32_t frameStateSizeBytes)
-{
-    return m_steps.populate(frame, clipProcessingAttributes, frameProcessingAttributes, frameState,
-                            frameStateSizeBytes);
-}
-
-HRESULT RefManualDecoderFlow2::GetFrameStateSizeBytes(uint32_t* frameStateSizeBytes)
-{
-    return m_steps.frameStateSize(frameStateSizeBytes);
-}
-
-HRESULT RefManualDecoderFlow2::GetDecodedSizeBytes(void* frameStateBufferCPU, uint32_t* decodedSizeBytes)
-{
-    return m_steps.stateSize("GetDecodedSizeBytes", frameStateBufferCPU, &RefFrameState::decodedBytes,
-                             decodedSizeBytes);
 }
 
 HRESULT RefManualDecoderFlow2::GetWorkingSizeBytes(void* frameStateBufferCPU, uint32_t* workingSizeBytes)
 {
     return m_steps.stateSize("GetWorkingSizeBytes", frameStateBufferCPU, &RefFrameState::workingBytes,
                              workingSizeBytes);
-}
-
-HRESULT RefManualDecoderFlow2::GetProcessedSizeBytes(void* frameStateBufferCPU, uint32_t* processedSizeBytes)
-{
-    return m_steps.stateSize("GetProcessedSizeBytes", frameStateBufferCPU, &RefFrameState::processedBytes,
-                             processedSizeBytes);
-}
-
-HRESULT RefManualDecoderFlow2::GetPost3DLUTSizeBytes(void* frameStateBufferCPU, uint32_t* post3DLUTSizeBytes)
-{
-    return m_steps.lutSize(frameStateBufferCPU, post3DLUTSizeBytes);
-}
-
-HRESULT RefManualDecoderFlow2::CreateJobDecode(void* frameStateBufferCPU, void* bitStreamBufferCPU,
-                                               void* decodedBufferCPU, IBlackmagicRawJob** job)
-{
-    return m_steps.createDecode(frameStateBufferCPU, bitStreamBufferCPU, decodedBufferCPU, job);
 }
 
 HRESULT RefManualDecoderFlow2::CreateJobProcess(void* context, void* commandQueue, void* frameStateBufferCPU,

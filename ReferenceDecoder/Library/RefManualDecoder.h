@@ -39,52 +39,51 @@ private:
     const char* m_prefix;
 };
 
-class RefManualDecoderFlow1 final : public RefLibObject, public IBlackmagicRawManualDecoderFlow1 {
+// The methods both flow interfaces declare alike; Flow is the flow's interface
+// and kind names it, in the live report and in fault methods.
+template <class Flow>
+class RefManualDecoderFlow : public RefLibObject, public Flow {
+public:
+    HRESULT QueryInterface(REFIID iid, LPVOID* out) override;
+    TW_REF_REFCOUNTED
+    HRESULT PopulateFrameStateBuffer(IBlackmagicRawFrame* frame,
+                                     IBlackmagicRawClipProcessingAttributes* clipProcessingAttributes,
+                                     IBlackmagicRawFrameProcessingAttributes* frameProcessingAttributes,
+                                     void* frameState, uint32_t frameStateSizeBytes) override;
+    HRESULT GetFrameStateSizeBytes(uint32_t* frameStateSizeBytes) override;
+    HRESULT GetDecodedSizeBytes(void* frameStateBufferCPU, uint32_t* decodedSizeBytes) override;
+    HRESULT GetProcessedSizeBytes(void* frameStateBufferCPU, uint32_t* processedSizeBytes) override;
+    HRESULT GetPost3DLUTSizeBytes(void* frameStateBufferCPU, uint32_t* post3DLUTSizeBytes) override;
+    HRESULT CreateJobDecode(void* frameStateBufferCPU, void* bitStreamBufferCPU, void* decodedBufferCPU,
+                            IBlackmagicRawJob** job) override;
+
+protected:
+    RefManualDecoderFlow(RefCodec* codec, const char* kind, REFIID own);
+    RefManualDecoderSteps m_steps;
+
+private:
+    REFIID m_own;
+};
+
+extern template class RefManualDecoderFlow<IBlackmagicRawManualDecoderFlow1>;
+extern template class RefManualDecoderFlow<IBlackmagicRawManualDecoderFlow2>;
+
+class RefManualDecoderFlow1 final : public RefManualDecoderFlow<IBlackmagicRawManualDecoderFlow1> {
 public:
     explicit RefManualDecoderFlow1(RefCodec* codec);
 
-    HRESULT QueryInterface(REFIID iid, LPVOID* out) override;
-    TW_REF_REFCOUNTED
-    HRESULT PopulateFrameStateBuffer(IBlackmagicRawFrame* frame,
-                                     IBlackmagicRawClipProcessingAttributes* clipProcessingAttributes,
-                                     IBlackmagicRawFrameProcessingAttributes* frameProcessingAttributes,
-                                     void* frameState, uint32_t frameStateSizeBytes) override;
-    HRESULT GetFrameStateSizeBytes(uint32_t* frameStateSizeBytes) override;
-    HRESULT GetDecodedSizeBytes(void* frameStateBufferCPU, uint32_t* decodedSizeBytes) override;
-    HRESULT GetProcessedSizeBytes(void* frameStateBufferCPU, uint32_t* processedSizeBytes) override;
-    HRESULT GetPost3DLUTSizeBytes(void* frameStateBufferCPU, uint32_t* post3DLUTSizeBytes) override;
-    HRESULT CreateJobDecode(void* frameStateBufferCPU, void* bitStreamBufferCPU, void* decodedBufferCPU,
-                            IBlackmagicRawJob** job) override;
     HRESULT CreateJobProcess(void* frameStateBufferCPU, void* decodedBufferCPU, void* processedBufferCPU,
                              void* post3DLUTBufferCPU, IBlackmagicRawJob** job) override;
-
-private:
-    RefManualDecoderSteps m_steps;
 };
 
-class RefManualDecoderFlow2 final : public RefLibObject, public IBlackmagicRawManualDecoderFlow2 {
+class RefManualDecoderFlow2 final : public RefManualDecoderFlow<IBlackmagicRawManualDecoderFlow2> {
 public:
     explicit RefManualDecoderFlow2(RefCodec* codec);
 
-    HRESULT QueryInterface(REFIID iid, LPVOID* out) override;
-    TW_REF_REFCOUNTED
-    HRESULT PopulateFrameStateBuffer(IBlackmagicRawFrame* frame,
-                                     IBlackmagicRawClipProcessingAttributes* clipProcessingAttributes,
-                                     IBlackmagicRawFrameProcessingAttributes* frameProcessingAttributes,
-                                     void* frameState, uint32_t frameStateSizeBytes) override;
-    HRESULT GetFrameStateSizeBytes(uint32_t* frameStateSizeBytes) override;
-    HRESULT GetDecodedSizeBytes(void* frameStateBufferCPU, uint32_t* decodedSizeBytes) override;
     HRESULT GetWorkingSizeBytes(void* frameStateBufferCPU, uint32_t* workingSizeBytes) override;
-    HRESULT GetProcessedSizeBytes(void* frameStateBufferCPU, uint32_t* processedSizeBytes) override;
-    HRESULT GetPost3DLUTSizeBytes(void* frameStateBufferCPU, uint32_t* post3DLUTSizeBytes) override;
-    HRESULT CreateJobDecode(void* frameStateBufferCPU, void* bitStreamBufferCPU, void* decodedBufferCPU,
-                            IBlackmagicRawJob** job) override;
     HRESULT CreateJobProcess(void* context, void* commandQueue, void* frameStateBufferCPU, void* decodedBufferGPU,
                              void* workingBufferGPU, void* processedBufferGPU, void* post3DLUTBufferGPU,
                              IBlackmagicRawJob** job) override;
-
-private:
-    RefManualDecoderSteps m_steps;
 };
 
 }  // namespace twref

@@ -1,5 +1,6 @@
 #include "Manager/Clip.h"
 
+#include "Manager/twComRelease.h"
 #include "Manager/twSettingsInitData.h"
 #include "Utils/qvLogging.h"
 #include "Utils/qvUtils.h"
@@ -7,14 +8,6 @@
 #include <sstream>
 
 namespace {
-
-template <typename Interface>
-void releaseAndNull(Interface*& object) {
-    if (object) {
-        object->Release();
-        object = nullptr;
-    }
-}
 
 // The library's code of the clip's "anamorphic" metadata text; 0 when unknown.
 BlackmagicRawAnamorphicRatio anamorphicRatioOfMetadata(const qvUtf8String& value) {
@@ -49,8 +42,8 @@ qvBRAW_Clip::~qvBRAW_Clip() {
 }
 
 void qvBRAW_Clip::releaseLibraryObjects() {
-    releaseAndNull(m_BMEx);
-    releaseAndNull(m_BM);
+    twReleaseAndNull(m_BMEx);
+    twReleaseAndNull(m_BM);
 }
 
 HRESULT qvBRAW_Clip::openWithLibrary(IBlackmagicRaw* codec, IBlackmagicRawClipGeometry* geometry) {
@@ -109,7 +102,7 @@ QvResult qvBRAW_Clip::openAndInit(IBlackmagicRaw* codec, IBlackmagicRawClipGeome
     IBlackmagicRawClipResolutions* resolutions = nullptr;
     hr = m_BM->QueryInterface(IID_IBlackmagicRawClipResolutions, reinterpret_cast<LPVOID*>(&resolutions));
     if (FAILED(hr) || resolutions == nullptr) {
-        releaseAndNull(resolutions);
+        twReleaseAndNull(resolutions);
         return failOpening("Impossible to query Resolutions ! " + qvUtils::getHRESULTerrorMessage(hr));
     }
 
@@ -261,7 +254,7 @@ QvResult qvBRAW_Clip::replaceClipByDesqueezedClipIfRectPixel(IBlackmagicRaw* /*c
         hr = m_BM->CloneWithGeometry(m_geometry, &desqueezed);
     }
     if (FAILED(hr) || desqueezed == nullptr) {
-        releaseAndNull(desqueezed);
+        twReleaseAndNull(desqueezed);
         m_bmClipMutex.unlock();
         return QvResult("Impossible to Clone Clip with Geometry - " + qvUtils::getHRESULTerrorMessage(hr));
     }
@@ -316,7 +309,7 @@ QvResult qvBRAW_Clip::getLut3DBuffers(void** out1, void** out2, void* context, v
         hr = m_BM->QueryInterface(IID_IBlackmagicRawClipProcessingAttributes, reinterpret_cast<LPVOID*>(&attributes));
     }
     if (FAILED(hr) || attributes == nullptr) {
-        releaseAndNull(attributes);
+        twReleaseAndNull(attributes);
         m_bmClipMutex.unlock();
         return QvResult("getLut3DBuffers - Impossible to Query ClipProcessingAttributes - " +
                         qvUtils::getHRESULTerrorMessage(hr));
@@ -343,7 +336,7 @@ QvResult qvBRAW_Clip::getLut3DBuffers(void** out1, void** out2, void* context, v
             }
         }
     }
-    releaseAndNull(lut);
+    twReleaseAndNull(lut);
     attributes->Release();
     m_bmClipMutex.unlock();
     return result;

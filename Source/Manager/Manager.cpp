@@ -4,6 +4,7 @@
 #include "Manager/Clip.h"
 #include "Manager/Instance.h"
 #include "Manager/Request.h"
+#include "Manager/twComRelease.h"
 #include "Utils/qvLogging.h"
 #include "Utils/qvUtils.h"
 
@@ -18,14 +19,6 @@
     } while (0)
 
 namespace {
-
-template <typename Interface>
-void releaseAndNull(Interface*& object) {
-    if (object) {
-        object->Release();
-        object = nullptr;
-    }
-}
 
 std::string frameworkLabel(QV_GPU_DEVICE_FRAMEWORK framework) {
     switch (framework) {
@@ -319,12 +312,12 @@ int32_t qvBRAW_Manager::createGeometryForClip(IBlackmagicRawClipGeometry** out) 
 }
 
 void qvBRAW_Manager::releaseCodec() {
-    releaseAndNull(m_manualDecoderFlow1);
-    releaseAndNull(m_manualDecoderFlow2);
-    releaseAndNull(m_resourceManager);
-    releaseAndNull(m_configurationEx);
-    releaseAndNull(m_configuration);
-    releaseAndNull(m_codec);
+    twReleaseAndNull(m_manualDecoderFlow1);
+    twReleaseAndNull(m_manualDecoderFlow2);
+    twReleaseAndNull(m_resourceManager);
+    twReleaseAndNull(m_configurationEx);
+    twReleaseAndNull(m_configuration);
+    twReleaseAndNull(m_codec);
 }
 
 int32_t qvBRAW_Manager::Release() {

@@ -2,14 +2,13 @@
 // staged plug-in and reference clips: what `info` prints, and the WAV file
 // `audio` writes.
 
+#include "HostToolSupport.h"
 #include "TempFolder.h"
 
 #include "Render/RefAudioRenderer.h"
 #include "Writer/RefClipWriter.h"
 
 #include <gtest/gtest.h>
-
-#include <sys/wait.h>
 
 #include <cstdio>
 #include <cstring>
@@ -18,18 +17,9 @@
 
 namespace {
 
-struct ToolRun {
-    int exitCode = -1;
-    std::string output;
-};
-
-std::string Quote(const std::string& s) {
-    std::string out = "'";
-    for (char c : s) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return out + "'";
-}
-
-bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+using twtest::Contains;
+using twtest::Quote;
+using twtest::ToolRun;
 
 // The tool on the staged plug-in, with its home and system root inside `folder`.
 class HostToolClip : public ::testing::Test {
@@ -37,17 +27,8 @@ protected:
     HostToolClip() : m_home(m_folder.makeFolder("home")), m_root(m_folder.makeFolder("root")) {}
 
     ToolRun run(const std::string& arguments) const {
-        const std::string command = "HOME=" + Quote(m_folder.path()) + " " + Quote(TW_HOST_TOOL) + " --home " +
-                                    Quote(m_home) + " --system-root " + Quote(m_root) + " " + arguments + " 2>&1";
-        ToolRun out;
-        FILE* pipe = popen(command.c_str(), "r");
-        if (!pipe) return out;
-        char buffer[4096];
-        size_t n;
-        while ((n = fread(buffer, 1, sizeof(buffer), pipe)) > 0) out.output.append(buffer, n);
-        const int status = pclose(pipe);
-        out.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        return out;
+        return twtest::RunTool(m_folder.path(), "--home " + Quote(m_home) + " --system-root " + Quote(m_root) +
+                                                    " " + arguments);
     }
 
     std::string clip(const std::string& name, const twref::RefClipModel& model) const {

@@ -1,42 +1,22 @@
 // tarnwick-host as a person runs it: a separate process, its output, its exit code.
 
+#include "HostToolSupport.h"
 #include "TempFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
-#include <cstdio>
 #include <string>
 
 namespace {
 
-struct ToolRun {
-    int exitCode = -1;
-    std::string output;
-};
-
-std::string Quote(const std::string& s) {
-    std::string out = "'";
-    for (char c : s) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return out + "'";
-}
+using twtest::Contains;
+using twtest::Quote;
+using twtest::ToolRun;
 
 // Runs the tool with a temporary HOME, so that nothing reaches the real one.
 ToolRun Tool(const std::string& arguments, const twtest::TempFolder& folder) {
-    const std::string command = "HOME=" + Quote(folder.path()) + " " + Quote(TW_HOST_TOOL) + " " + arguments + " 2>&1";
-    ToolRun run;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return run;
-    char buffer[4096];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof(buffer), pipe)) > 0) run.output.append(buffer, n);
-    const int status = pclose(pipe);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
+    return twtest::RunTool(folder.path(), arguments);
 }
-
-bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 }  // namespace
 

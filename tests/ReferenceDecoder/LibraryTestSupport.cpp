@@ -319,44 +319,43 @@ void FlowDriver::processed(IBlackmagicRawJob* job, HRESULT result, IBlackmagicRa
 
 // ---- helpers ---------------------------------------------------------------------------------
 
-Variant makeU16(uint16_t v)
+namespace {
+
+// A Variant of the given type holding v in field.
+template <typename Field>
+Variant variantOf(BlackmagicRawVariantType type, Field Variant::*field, Field v)
 {
     Variant variant{};
-    variant.vt = blackmagicRawVariantTypeU16;
-    variant.uiVal = v;
+    variant.vt = type;
+    variant.*field = v;
     return variant;
+}
+
+}  // namespace
+
+Variant makeU16(uint16_t v)
+{
+    return variantOf(blackmagicRawVariantTypeU16, &Variant::uiVal, v);
 }
 
 Variant makeS16(int16_t v)
 {
-    Variant variant{};
-    variant.vt = blackmagicRawVariantTypeS16;
-    variant.iVal = v;
-    return variant;
+    return variantOf(blackmagicRawVariantTypeS16, &Variant::iVal, v);
 }
 
 Variant makeU32(uint32_t v)
 {
-    Variant variant{};
-    variant.vt = blackmagicRawVariantTypeU32;
-    variant.uintVal = v;
-    return variant;
+    return variantOf(blackmagicRawVariantTypeU32, &Variant::uintVal, v);
 }
 
 Variant makeFloat(float v)
 {
-    Variant variant{};
-    variant.vt = blackmagicRawVariantTypeFloat32;
-    variant.fltVal = v;
-    return variant;
+    return variantOf(blackmagicRawVariantTypeFloat32, &Variant::fltVal, v);
 }
 
 Variant makeString(const char* v)
 {
-    Variant variant{};
-    variant.vt = blackmagicRawVariantTypeString;
-    variant.bstrVal = v;
-    return variant;
+    return variantOf(blackmagicRawVariantTypeString, &Variant::bstrVal, v);
 }
 
 double meanChannel(const FlowRequest& request, int channel)

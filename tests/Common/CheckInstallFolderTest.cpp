@@ -27,6 +27,13 @@ const std::string kVerdictWarn =
 const std::string kVerdictErr =
     "Installation Diagnostic :\n\n=> ERROR : Some needed files are missing or duplicated and the plugins will not "
     "work correctly. Please try to re-install the last version of Tarnwick, or contact us for support.\n\n";
+// The report when MediaCore is there but nothing of the product can be found in it.
+const std::string kNothingFoundInMediaCore =
+    "Impossible to check Plugins App folders.\n\n"
+    "Details :\n\n"
+    "- ERR - Tarnwick_Importer.bundle has not been found\n"
+    "- ERR - Tarnwick_Source_Settings.plugin has not been found\n"
+    "- ERR - Tarnwick_Layer_Settings.plugin has not been found\n";
 
 struct CheckRun {
     QvResult result;
@@ -338,12 +345,7 @@ TEST_F(CheckInstallFolder, UnreachableFolders) {
     r = run();
     ASSERT_TRUE(r.result.isOk());
     EXPECT_EQ(r.level, QV_LOG_ERR);
-    EXPECT_EQ(r.report, kVerdictErr +
-                            "Impossible to check Plugins App folders.\n\n"
-                            "Details :\n\n"
-                            "- ERR - Tarnwick_Importer.bundle has not been found\n"
-                            "- ERR - Tarnwick_Source_Settings.plugin has not been found\n"
-                            "- ERR - Tarnwick_Layer_Settings.plugin has not been found\n");
+    EXPECT_EQ(r.report, kVerdictErr + kNothingFoundInMediaCore);
 }
 
 TEST_F(CheckInstallFolder, UnreadableMediaCoreIsSearchedAsEmpty) {
@@ -354,12 +356,7 @@ TEST_F(CheckInstallFolder, UnreadableMediaCoreIsSearchedAsEmpty) {
     chmod(mediaCore().c_str(), 0755);
     ASSERT_TRUE(r.result.isOk());
     EXPECT_EQ(r.level, QV_LOG_ERR);
-    EXPECT_EQ(r.report, kVerdictErr +
-                            "Impossible to check Plugins App folders.\n\n"
-                            "Details :\n\n"
-                            "- ERR - Tarnwick_Importer.bundle has not been found\n"
-                            "- ERR - Tarnwick_Source_Settings.plugin has not been found\n"
-                            "- ERR - Tarnwick_Layer_Settings.plugin has not been found\n");
+    EXPECT_EQ(r.report, kVerdictErr + kNothingFoundInMediaCore);
 }
 
 TEST_F(CheckInstallFolder, ConflictingNamesOfALaterListAreErrors) {

@@ -5,7 +5,7 @@
 #include "Utils/qvLogging.h"
 #include "Utils/qvUtils.h"
 
-#include <sstream>
+#include <string>
 
 namespace {
 
@@ -20,12 +20,6 @@ BlackmagicRawAnamorphicRatio anamorphicRatioOfMetadata(const qvUtf8String& value
         if (value.Str() == ratio.first) return ratio.second;
     }
     return 0;
-}
-
-std::string floatText(float value) {
-    std::ostringstream text;
-    text << value;
-    return text.str();
 }
 
 }  // namespace
@@ -94,7 +88,7 @@ QvResult qvBRAW_Clip::openAndInit(IBlackmagicRaw* codec, IBlackmagicRawClipGeome
 
     hr = m_BM->GetFrameRate(&m_frameRate);
     if (FAILED(hr)) return failOpening("Failed to get FrameRate from BM - " + qvUtils::getHRESULTerrorMessage(hr));
-    if (m_frameRate <= 0.0f) return failOpening("FrameRate has a weird value : " + floatText(m_frameRate));
+    if (m_frameRate <= 0.0f) return failOpening("FrameRate has a weird value : " + std::to_string(m_frameRate));
 
     hr = m_BM->GetFrameCount(&m_frameCount);
     if (FAILED(hr)) return failOpening("Failed to get FrameCount from BM - " + qvUtils::getHRESULTerrorMessage(hr));
@@ -250,8 +244,14 @@ QvResult qvBRAW_Clip::replaceClipByDesqueezedClipIfRectPixel(IBlackmagicRaw* /*c
     IBlackmagicRawClip* desqueezed = nullptr;
     HRESULT hr = E_POINTER;
     if (m_geometry && m_BM) {
+        // The clone takes the geometry's values as they are when it is made. The
+        // geometry itself is kept for reopening, so it goes back to the ratio it
+        // had: a reload reopens the clip as the camera recorded it.
+        BlackmagicRawAnamorphicRatio recorded = blackmagicRawAnamorphicRatioDisabled;
+        m_geometry->GetAnamorphicRatio(&recorded);
         m_geometry->SetAnamorphicRatio(ratio);
         hr = m_BM->CloneWithGeometry(m_geometry, &desqueezed);
+        m_geometry->SetAnamorphicRatio(recorded);
     }
     if (FAILED(hr) || desqueezed == nullptr) {
         twReleaseAndNull(desqueezed);

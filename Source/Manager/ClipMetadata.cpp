@@ -137,8 +137,11 @@ qvUtf8String qvBRAW_Clip::getClipMetadata(const qvUtf8String& key, bool lock) {
 
 bool qvBRAW_Clip::getClipMetadataBool(const qvUtf8String& key, bool lock) {
     ScopedVariant value;
-    if (!getClipMetadataMetadataCommon(key, lock, value.get())) return false;
-    switch (value.get().vt) {
+    // A key the library doesn't give reads as an empty value, which is not a
+    // bool either and is logged as such.
+    const bool found = getClipMetadataMetadataCommon(key, lock, value.get());
+    const BlackmagicRawVariantType type = found ? value.get().vt : BlackmagicRawVariantType(blackmagicRawVariantTypeEmpty);
+    switch (type) {
         case blackmagicRawVariantTypeU8:
         case blackmagicRawVariantTypeS16:
         case blackmagicRawVariantTypeU16:
@@ -262,7 +265,10 @@ qvBRAW_MetadataList qvBRAW_Clip::getMostPopularMetadata() {
         for (const char* key : {"reel_name", "scene", "take", "good_take", "braw_compression_ratio"}) {
             size_t index = 0;
             while (index < all.size() && all[index].first.Str() != key) ++index;
-            if (index >= all.size()) continue;
+            if (index >= all.size()) {
+                QV_LOG(QV_LOG_ERR, "Wrong index number : " << index);
+                continue;
+            }
             qvUtf8String value = all[index].second;
             if (value.Str() == "false") value = "0";
             if (value.Str() == "true") value = "1";

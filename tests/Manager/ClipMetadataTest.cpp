@@ -176,6 +176,7 @@ TEST_F(ClipMetadata, SingleKeysAreReadAsTextOrAsBool) {
     EXPECT_FALSE(clip->getClipMetadataBool("u8_zero", true));
     EXPECT_FALSE(clip->getClipMetadataBool("u32_two", true));
     EXPECT_FALSE(clip->getClipMetadataBool("absent", true));
+    EXPECT_TRUE(logged("ERR", "getClipMetadataBool called on clip with key : absent but result is not a bool"));
     EXPECT_FALSE(clip->getClipMetadataBool("float_one", true));
     EXPECT_FALSE(clip->getClipMetadataBool("text_one", true));
     EXPECT_TRUE(logged("ERR", "getClipMetadataBool called on clip with key : text_one but result is not a bool"));
@@ -236,6 +237,8 @@ TEST_F(ClipMetadata, MostPopularKeysComeInTheirOwnOrderWithBooleansAsDigits) {
                                                                    {"take", "0"},
                                                                    {"good_take", "1"},
                                                                    {"braw_compression_ratio", "12:1"}}));
+    // "scene" is not in the list of five entries: its search ran past the end.
+    EXPECT_TRUE(logged("ERR", "Wrong index number : 5"));
 }
 
 TEST(ClipMetadataLabels, KeysBecomeWordsInCapitals) {

@@ -198,9 +198,9 @@ TEST_F(Clip, AnOpeningThatFailsReleasesEverythingAndSaysWhy) {
 
     RefClipModel model = smallModel();
     model.frameRate = 0.0f;
-    EXPECT_EQ(openingError(model), "FrameRate has a weird value : 0");
+    EXPECT_EQ(openingError(model), "FrameRate has a weird value : 0.000000");
     model.frameRate = -23.5f;
-    EXPECT_EQ(openingError(model), "FrameRate has a weird value : -23.5");
+    EXPECT_EQ(openingError(model), "FrameRate has a weird value : -23.500000");
 
     // A table whose scale gives back another size than its own.
     model = smallModel();
@@ -323,13 +323,16 @@ TEST_F(Clip, AnamorphicClipsAreReplacedByTheirDesqueezedCloneUntilReloaded) {
     EXPECT_EQ(libraryWidth(clip->m_BM), 128u);
     EXPECT_EQ(clip->m_width, 64u) << "the clip's figures stay those of the opening";
     EXPECT_TRUE(logged("INFO", "Found Anamorphic Metadata set to : 2x"));
-    BlackmagicRawAnamorphicRatio ratio = 0;
-    clip->m_geometry->GetAnamorphicRatio(&ratio);
-    EXPECT_EQ(ratio, blackmagicRawAnamorphicRatio2x);
 
-    // A reload opens the file again, through the geometry as it now stands.
+    // A reload opens the file again as the camera recorded it, without the
+    // replacement, and a second replacement desqueezes again.
     ASSERT_TRUE(clip->reload(m_manager->m_codec).isOk());
-    EXPECT_NE(clip->m_BM, nullptr);
+    ASSERT_NE(clip->m_BM, nullptr);
+    EXPECT_EQ(libraryWidth(clip->m_BM), 64u);
+    ASSERT_TRUE(clip->replaceClipByDesqueezedClipIfRectPixel(m_manager->m_codec).isOk());
+    EXPECT_EQ(libraryWidth(clip->m_BM), 128u);
+    ASSERT_TRUE(clip->reload(m_manager->m_codec).isOk());
+    EXPECT_EQ(libraryWidth(clip->m_BM), 64u);
 
     // Unknown and failing cases leave the library's clip as it is.
     RefClipModel unknown = smallModel();

@@ -81,7 +81,7 @@ int32_t qvBRAW_Manager::AddClip(const qvUtf8String& path, uint64_t& id) {
         uint64_t openedCount = 0;
         for (const auto& entry : m_clips) {
             if (!entry.second) continue;
-            QV_LOCK_TRACED(entry.second->m_bmClipMutex);
+            QV_LOCK_TRACED_AS(entry.second->m_bmClipMutex, "m_bmClipMutex");
             openedCount += entry.second->m_opened ? 1 : 0;
             entry.second->m_bmClipMutex.unlock();
         }
@@ -101,7 +101,7 @@ std::shared_ptr<qvBRAW_Clip> qvBRAW_Manager::GetClip(uint64_t id) {
     }
     m_clipsMutex.unlock();
     if (clip) {
-        QV_LOCK_TRACED(clip->m_bmClipMutex);
+        QV_LOCK_TRACED_AS(clip->m_bmClipMutex, "m_bmClipMutex");
         const bool opened = clip->m_opened;
         clip->m_bmClipMutex.unlock();
         if (!opened) QV_LOG(QV_LOG_WARN, "Getting Clip Closed ! Could involve errors");
@@ -151,7 +151,7 @@ QvResult qvBRAW_Manager::getAllDataFromClip(bool& generated, uint64_t id, bool w
     if (!clip) return QvResult("initClipSourceSettingsInitData - Clip is NullPtr");
 
     // The clip's caches change under its own lock, as reload empties them.
-    QV_LOCK_TRACED(clip->m_bmClipMutex);
+    QV_LOCK_TRACED_AS(clip->m_bmClipMutex, "m_bmClipMutex");
     const bool needSettings = wantSettings && !clip->m_sourceSettingsInitData;
     const bool needMetadata = wantMetadata && clip->m_metadata.empty();
     if (clip->m_sourceSettingsInitData) data = clip->m_sourceSettingsInitData;
@@ -167,7 +167,7 @@ QvResult qvBRAW_Manager::getAllDataFromClip(bool& generated, uint64_t id, bool w
     if (needSettings) {
         QV_LOG(QV_LOG_INFO, "ClipSourceSettingsInitData don't exist for this clip yet, let's generate it !");
         if (!data) data = std::make_shared<twSettingsInitData>();
-        QV_LOCK_TRACED(clip->m_bmClipMutex);
+        QV_LOCK_TRACED_AS(clip->m_bmClipMutex, "m_bmClipMutex");
         clip->m_sourceSettingsInitData = data;
         clip->m_bmClipMutex.unlock();
     }
@@ -182,7 +182,7 @@ QvResult qvBRAW_Manager::getAllDataFromClip(bool& generated, uint64_t id, bool w
         clip->getClipMetadata(metadata);
         metadata.insert(metadata.end(), frameMetadata.begin(), frameMetadata.end());
         clip->getAudioMetadata(metadata);
-        QV_LOCK_TRACED(clip->m_bmClipMutex);
+        QV_LOCK_TRACED_AS(clip->m_bmClipMutex, "m_bmClipMutex");
         clip->m_metadata = std::move(metadata);
         clip->m_bmClipMutex.unlock();
     }

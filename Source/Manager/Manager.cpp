@@ -10,14 +10,6 @@
 
 #include <string>
 
-// The queue's lock, traced under its own name rather than the member's.
-#define TW_LOCK_QUEUE_TRACED()                                                        \
-    do {                                                                              \
-        if (!m_queueMutex.try_lock()) {                                               \
-            qvLockTracedWait(m_queueMutex, "QueueMutex", __FILE__, __func__);         \
-        }                                                                             \
-    } while (0)
-
 namespace {
 
 std::string frameworkLabel(QV_GPU_DEVICE_FRAMEWORK framework) {
@@ -344,7 +336,7 @@ int32_t qvBRAW_Manager::FlushQueue(uint32_t queueID) {
     // After it no callback runs, so no stage holds a request of the queue.
     m_codec->FlushJobs();
 
-    TW_LOCK_QUEUE_TRACED();
+    QV_LOCK_TRACED_AS(m_queueMutex, "QueueMutex");
     const size_t before = m_queue.size();
     for (size_t index = m_queue.size(); index-- > 0;) {
         const std::shared_ptr<qvBRAW_Request> request = m_queue[index];

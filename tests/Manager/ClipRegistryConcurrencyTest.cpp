@@ -7,6 +7,8 @@
 
 #include "Manager/twSettingsInitData.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <set>
 #include <thread>
 
@@ -96,4 +98,27 @@ TEST_F(ClipRegistryConcurrency, ThreadsAddLookUpReadAndCloseClipsOfSeveralFilesA
         EXPECT_TRUE(clip->m_opened);
         EXPECT_NE(clip->m_BM, nullptr);
     }
+}
+
+TEST_F(ClipRegistryConcurrency, AWaitForAClipIsLoggedUnderTheClipLockName) {
+    uint64_t id = UINT64_MAX;
+    ASSERT_EQ(m_manager->AddClip(writeClip("held.braw", smallModel()), id), 0);
+    const std::shared_ptr<qvBRAW_Clip> clip = m_manager->GetClip(id);
+    ASSERT_NE(clip, nullptr);
+    const std::string address = std::to_string(reinterpret_cast<uintptr_t>(&clip->m_bmClipMutex));
+    const std::string waiting = " MU" + address + " No try_lock m_bmClipMutex Will wait for it !";
+
+    // The registry looks the clip up while another thread holds the clip.
+    clip->m_bmClipMutex.lock();
+    std::thread lookUp([this, id] { EXPECT_NE(m_manager->GetClip(id), nullptr); });
+    while (logText().find(waiting) == std::string::npos) std::this_thread::yield();
+    clip->m_bmClipMutex.unlock();
+    lookUp.join();
+
+    const std::vector<std::string> lines = messages("INFO");
+    const std::string waited = " MU" + address + " m_bmClipMutex lock dt ";
+    EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [&](const std::string& m) { return m == waiting; }));
+    EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [&](const std::string& m) {
+        return m.rfind(waited, 0) == 0 && m.size() > waited.size() + 3 && m.compare(m.size() - 3, 3, " us") == 0;
+    })) << logText();
 }

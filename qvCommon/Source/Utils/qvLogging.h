@@ -131,13 +131,18 @@ extern QvLogging g_logger;
 
 // Takes `mutex` (a qvMutex or a std::mutex). When it is held elsewhere, logs at
 // INFO that the caller waits, and then how long the wait lasted:
-//   " MU<address> No try_lock <mutex as written> Will wait for it !"
-//   " MU<address> <mutex as written> lock dt <n> us"
+//   " MU<address> No try_lock <name> Will wait for it !"
+//   " MU<address> <name> lock dt <n> us"
+// The name is the mutex as written; QV_LOCK_TRACED_AS gives it another one,
+// for the places whose log readers know a lock by a fixed name whatever the
+// expression that reaches it ("m_bmClipMutex" through clip->m_bmClipMutex).
 // Release with a plain unlock().
-#define QV_LOCK_TRACED(mutex)                                                  \
+#define QV_LOCK_TRACED(mutex) QV_LOCK_TRACED_AS(mutex, #mutex)
+
+#define QV_LOCK_TRACED_AS(mutex, name)                                         \
     do {                                                                       \
         if (!(mutex).try_lock()) {                                             \
-            qvLockTracedWait((mutex), #mutex, __FILE__, __func__);             \
+            qvLockTracedWait((mutex), (name), __FILE__, __func__);             \
         }                                                                      \
     } while (0)
 

@@ -7,6 +7,7 @@
 #include "Utils/qvMutex.h"
 #include "Utils/qvVersion.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -180,6 +181,19 @@ TEST_F(LoggingTest, ContinuedSessionAppendsWithoutHeader) {
     EXPECT_EQ(twtest::LinesWith(text, "before").size(), 1u);
     EXPECT_EQ(twtest::LinesWith(text, "after").size(), 1u);
     EXPECT_EQ(text.find("Host and version"), text.rfind("Host and version"));
+}
+
+TEST_F(LoggingTest, ALogFolderRemovedSinceIsMadeAgain) {
+    activate(QV_LOG_INFO);
+    QV_LOG(QV_LOG_INFO, "before the folder went");
+    g_logger.desactivateFileLogging();
+    std::filesystem::remove_all(logFolder());
+
+    activate(QV_LOG_INFO, false);
+    QV_LOG(QV_LOG_INFO, "after the folder went");
+    EXPECT_EQ(g_logger.getLogFilePath().Str(), logPath());
+    EXPECT_EQ(twtest::LinesWith(logText(), "after the folder went").size(), 1u);
+    EXPECT_TRUE(twtest::LinesWith(logText(), "before the folder went").empty());
 }
 
 TEST_F(LoggingTest, MutexTraceLinesAtTrace) {

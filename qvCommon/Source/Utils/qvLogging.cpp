@@ -152,10 +152,14 @@ qvUtf8String QvLogging::getLogFilePath() {
 }
 
 QvResult QvLogging::getLogFolder(qvUtf8String& out) {
-    if (!logFolder.Empty()) {
+    // The folder is kept for the process, but one that was removed since (the
+    // user emptied the application data, or the home folder changed) would
+    // swallow every later line: it is then made again as the first time.
+    if (!logFolder.Empty() && qvFileSystem::isFolderPath(logFolder)) {
         out = logFolder;
         return QvResult();
     }
+    logFolder.Clear();
     QV_LOG(QV_LOG_INFO, "Log folder not set yet");
     qvUtf8String folder;
     QvResult res = qvFileSystem::getOrCreateProductLogFolder(folder, g_config.logSubfolder);

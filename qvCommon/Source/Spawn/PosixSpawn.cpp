@@ -84,6 +84,10 @@ int Spawn(const std::string& command, const std::shared_ptr<Environment::Package
             pollfd fds[2] = {{outputPipe.ReadEnd(), POLLIN, 0}, {errorPipe.ReadEnd(), POLLIN, 0}};
             const int ready = poll(fds, 2, timeout);
             if (ready < 0) {
+                // A signal that interrupts the poll is no error of the child's:
+                // ending the collection on it would drop the rest of the output
+                // and wait for a child that may block on a full pipe. Polling
+                // again is the safe form; any other poll error ends the loop.
                 if (errno == EINTR) continue;
                 break;
             }
@@ -91,6 +95,10 @@ int Spawn(const std::string& command, const std::shared_ptr<Environment::Package
             if (ready > 0) {
                 if (fds[0].revents & POLLIN) output += outputPipe.ReadString(kReadChunk);
                 if (fds[1].revents & POLLIN) output += errorPipe.ReadString(kReadChunk);
+                // A pipe that hangs up may still hold the child's last bytes
+                // (it often writes and exits between two polls). Leaving them
+                // unread would lose the end of the output, so the pipe is read
+                // to its end before the collection stops, as on a hang-up.
                 const short ended = POLLHUP | POLLERR | POLLNVAL;
                 if (fds[0].revents & ended) {
                     drain(outputPipe, output);

@@ -16,6 +16,15 @@
 //   count is 0: jobs in flight hold their own references until their callback
 //   has returned.
 //
+// Release journal
+//   uint64_t twRefDecoderReleaseJournal(int restart, char* report, uint32_t reportSize)
+//   with restart 1 empties the journal and starts noting every Release of a
+//   library object, in call order (-1 empties it and stops, 0 only reads);
+//   returns how many were noted, and with
+//   report non-null writes one line per release, "<kind> <address> refs=<n>",
+//   n being the count the release left (0: the object is gone). Tests read the
+//   order in which a caller gives its interfaces back from it.
+//
 // Faults, delays and damaged frames
 //   Per clip, in the clip's description (see the clip format's README and
 //   RefClipModel.h: RefFault, RefDelay, RefFrameOverride::corrupt). Method
@@ -41,6 +50,8 @@
 
 extern "C" {
 typedef uint64_t (*TwRefDecoderLiveObjectsFunc)(char* report, uint32_t reportSize);
+typedef uint64_t (*TwRefDecoderReleaseJournalFunc)(int restart, char* report, uint32_t reportSize);
 }
 
 #define TW_REF_DECODER_LIVE_OBJECTS_SYMBOL "twRefDecoderLiveObjects"
+#define TW_REF_DECODER_RELEASE_JOURNAL_SYMBOL "twRefDecoderReleaseJournal"

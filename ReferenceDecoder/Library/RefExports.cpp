@@ -100,3 +100,29 @@ TW_REF_EXPORT uint64_t twRefDecoderLiveObjects(char* report, uint32_t reportSize
 
 static_assert(std::is_same<decltype(&twRefDecoderLiveObjects), TwRefDecoderLiveObjectsFunc>::value,
               "the report's published signature");
+
+// Debug entry for tests: the release journal. With restart 1 it is emptied
+// and notes every Release from now on; with -1 it is emptied and stops; with 0
+// it is only read. Returns the number
+// of releases noted; with report given, also their list as text ("<kind>
+// <address> refs=<n>" per line, n the count the release left), cut to
+// reportSize bytes including the terminating zero.
+TW_REF_EXPORT uint64_t twRefDecoderReleaseJournal(int restart, char* report, uint32_t reportSize)
+{
+    try {
+        if (restart != 0)
+            twref::refStartReleaseJournal(restart > 0);
+        if (report && reportSize > 0) {
+            const std::string text = twref::refReleaseJournal();
+            const size_t length = std::min<size_t>(text.size(), reportSize - 1);
+            std::memcpy(report, text.data(), length);
+            report[length] = '\0';
+        }
+        return twref::refReleaseJournalSize();
+    } catch (const std::exception&) {
+        return 0;
+    }
+}
+
+static_assert(std::is_same<decltype(&twRefDecoderReleaseJournal), TwRefDecoderReleaseJournalFunc>::value,
+              "the journal's published signature");

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <map>
 #include <mutex>
+#include <vector>
 
 namespace twref {
 namespace {
@@ -12,10 +13,19 @@ struct LiveEntry {
     const RefLibObject* object = nullptr;  // null for tracked items
 };
 
+struct JournalEntry {
+    const char* kind;
+    const void* object;
+    ULONG refs;
+};
+
 // Never destroyed: objects may die during static destruction.
 struct LiveRegistry {
     std::mutex mutex;
     std::map<const void*, LiveEntry> entries;
+    // Off until a test starts it, so that releases cost one load.
+    std::atomic<bool> journalOn{false};
+    std::vector<JournalEntry> journal;
 };
 
 LiveRegistry& registry()
@@ -70,7 +80,7 @@ const char* refInterfaceName(const REFIID& iid)
     return "";
 }
 
-RefLibObject::RefLibObject(const char* kind)
+RefLibObject::RefLibObject(const char* kind) : m_kind(kind)
 {
     LiveRegistry& r = registry();
     std::lock_guard<std::mutex> lock(r.mutex);
@@ -91,12 +101,22 @@ ULONG RefLibObject::addRef()
 
 ULONG RefLibObject::release()
 {
-    const ULONG previous = m_refCount.fetch_sub(1, std::memory_order_acq_rel);
-    if (previous == 1) {
-        delete this;
-        return 0;
+    LiveRegistry& r = registry();
+    if (r.journalOn.load(std::memory_order_relaxed)) {
+        // Noted under the lock, with the count it leaves, so that the journal's
+        // order is the order of the releases even across threads.
+        std::lock_guard<std::mutex> lock(r.mutex);
+        const ULONG previous = m_refCount.fetch_sub(1, std::memory_order_acq_rel);
+        r.journal.push_back(JournalEntry{m_kind, this, previous - 1});
+        if (previous != 1)
+            return previous - 1;
+    } else {
+        const ULONG previous = m_refCount.fetch_sub(1, std::memory_order_acq_rel);
+        if (previous != 1)
+            return previous - 1;
     }
-    return previous - 1;
+    delete this;
+    return 0;
 }
 
 void refTrackItem(const void* item, const char* kind)
@@ -147,6 +167,35 @@ std::string refLiveObjectReport()
         report += line;
     }
     return report;
+}
+
+void refStartReleaseJournal(bool on)
+{
+    LiveRegistry& r = registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    r.journal.clear();
+    r.journal.shrink_to_fit();
+    r.journalOn.store(on, std::memory_order_relaxed);
+}
+
+std::string refReleaseJournal()
+{
+    LiveRegistry& r = registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    std::string text;
+    char line[160];
+    for (const JournalEntry& e : r.journal) {
+        std::snprintf(line, sizeof line, "%s %p refs=%lu\n", e.kind, e.object, static_cast<unsigned long>(e.refs));
+        text += line;
+    }
+    return text;
+}
+
+uint64_t refReleaseJournalSize()
+{
+    LiveRegistry& r = registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    return r.journal.size();
 }
 
 }  // namespace twref

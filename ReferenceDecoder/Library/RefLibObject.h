@@ -36,6 +36,7 @@ public:
     ULONG refCount() const { return m_refCount.load(std::memory_order_acquire); }
 
 private:
+    const char* m_kind;
     std::atomic<ULONG> m_refCount{1};
 };
 
@@ -49,6 +50,13 @@ bool refIsTrackedItem(const void* item);
 uint64_t refLiveObjectCount();
 // One line per live object or item: "<kind> <address> refs=<n>".
 std::string refLiveObjectReport();
+
+// The release journal: once started, every Release of a library object is
+// noted in call order as "<kind> <address> refs=<n>", n being the count the
+// release left (0: the object is gone). Starting or stopping empties it.
+void refStartReleaseJournal(bool on);
+std::string refReleaseJournal();
+uint64_t refReleaseJournalSize();
 
 }  // namespace twref
 

@@ -179,3 +179,46 @@ TEST_F(CodecSwitch, NewCodecGetsANewCallbackWhoseFailureStopsTheSwitch) {
     EXPECT_FALSE(clip->m_opened);
     EXPECT_EQ(clip->m_BM, nullptr);
 }
+
+// The journal's releases of the codec's interfaces, without their addresses:
+// "<kind> refs=<left>".
+std::vector<std::string> releasesOf(const std::vector<std::string>& journal) {
+    std::vector<std::string> releases;
+    for (const std::string& line : journal) {
+        const std::string kind = line.substr(0, line.find(' '));
+        if (kind != "ManualDecoderFlow1" && kind != "ManualDecoderFlow2" && kind != "ResourceManager" &&
+            kind != "Codec")
+            continue;
+        releases.push_back(kind + line.substr(line.rfind(' ')));
+    }
+    return releases;
+}
+
+TEST_F(CodecSwitch, TheLibraryInterfacesGoBackDecoderFlowsFirstAndTheCodecLast) {
+    ASSERT_EQ(switchTo(QV_GPU_DEVICE_FRAMEWORK_CUDA), 0);
+    ASSERT_NE(m_manager->m_manualDecoderFlow2, nullptr);
+    // The same order when the codec is left for another pipeline and when the
+    // manager is released.
+    twtest::decoderReleaseJournal(1);
+    ASSERT_EQ(switchTo(QV_GPU_DEVICE_FRAMEWORK_OPENCL, address(0x5000), address(0x5100)), 0);
+    const std::vector<std::string> switched = releasesOf(twtest::decoderReleaseJournal(0));
+    twtest::decoderReleaseJournal(1);
+    m_manager->Release();
+    const std::vector<std::string> released = releasesOf(twtest::decoderReleaseJournal(-1));
+
+    // Each decoder flow gives back its own hold on the codec as it goes; the
+    // configuration interfaces are the codec's own object.
+    const std::vector<std::string> expected = {
+        "ManualDecoderFlow1 refs=0", "Codec refs=4",  // m_manualDecoderFlow1
+        "ManualDecoderFlow2 refs=0", "Codec refs=3",  // m_manualDecoderFlow2
+        "ResourceManager refs=1",                     // m_resourceManager
+        "Codec refs=2",                               // m_configurationEx
+        "Codec refs=1",                               // m_configuration
+        "Codec refs=0",                               // m_codec
+        "ResourceManager refs=0",                     // with the codec
+    };
+    for (const auto* releases : {&switched, &released}) {
+        ASSERT_GE(releases->size(), expected.size());
+        EXPECT_EQ(std::vector<std::string>(releases->begin(), releases->begin() + expected.size()), expected);
+    }
+}

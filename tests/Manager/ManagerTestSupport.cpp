@@ -10,6 +10,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace twtest {
@@ -100,6 +101,20 @@ std::string decoderLiveReport() {
     std::vector<char> text(1 << 16);
     live(text.data(), static_cast<uint32_t>(text.size()));
     return text.data();
+}
+
+std::vector<std::string> decoderReleaseJournal(int restart) {
+    const auto journal = reinterpret_cast<TwRefDecoderReleaseJournalFunc>(
+        dlsym(RTLD_DEFAULT, TW_REF_DECODER_RELEASE_JOURNAL_SYMBOL));
+    std::vector<std::string> lines;
+    if (!journal) return lines;
+    std::vector<char> text(1 << 16);
+    // Stopping empties the journal: it is read first.
+    journal(restart > 0 ? restart : 0, text.data(), static_cast<uint32_t>(text.size()));
+    if (restart < 0) journal(restart, nullptr, 0);
+    std::istringstream in(text.data());
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
 }
 
 std::string writeSmallClip(const TempFolder& folder, const std::string& name) {

@@ -43,6 +43,11 @@ void writeFacts(const std::string& folder, const std::string& facts);
 // and their list.
 uint64_t decoderLiveObjects();
 std::string decoderLiveReport();
+// The loaded reference decoder's release journal: restart 1 empties it and
+// starts it, -1 stops it after the reading, 0 only reads. Its lines, "<kind>
+// <address> refs=<left>" per release in call order (empty when no reference
+// decoder is loaded).
+std::vector<std::string> decoderReleaseJournal(int restart);
 #define EXPECT_DECODER_CLEAN() EXPECT_EQ(twtest::decoderLiveObjects(), 0u) << twtest::decoderLiveReport()
 
 // A small reference clip written at folder/name.

@@ -1,10 +1,13 @@
 // The library's exported C functions: the published ten, the Variant and
 // SafeArray helpers' contracts and their tolerance of bad input, and the
-// live-object report.
+// live-object report and the release journal.
 
 #include "LibraryTestSupport.h"
 
 #include <cstring>
+#include <sstream>
+#include <string>
+#include <vector>
 
 using namespace twtest;
 
@@ -13,7 +16,8 @@ TEST(LibraryExports, PublishedFunctionsAndTheReportAreExportedAndNothingOfTheIns
     RefLibrary lib;
     for (const char* name : {"CreateBlackmagicRawFactoryInstance", "VariantInit", "VariantClear", "SafeArrayCreate",
                              "SafeArrayGetVartype", "SafeArrayGetLBound", "SafeArrayGetUBound", "SafeArrayAccessData",
-                             "SafeArrayUnaccessData", "SafeArrayDestroy", "twRefDecoderLiveObjects"})
+                             "SafeArrayUnaccessData", "SafeArrayDestroy", "twRefDecoderLiveObjects",
+                             "twRefDecoderReleaseJournal"})
         EXPECT_NE(lib.symbol(name), nullptr) << name;
     // The dispatch layer's functions belong to callers, not to the library.
     EXPECT_EQ(lib.symbol("CreateBlackmagicRawFactoryInstanceFromPath"), nullptr);
@@ -127,5 +131,40 @@ TEST(LibraryExports, LiveReportNamesWhatACallerStillHolds)
     EXPECT_EQ(codec->Release(), 1u);
     EXPECT_EQ(codec->Release(), 0u);
     EXPECT_EQ(factory->Release(), 0u);
+    EXPECT_NO_LIVE_OBJECTS(lib);
+}
+
+TEST(LibraryExports, TheReleaseJournalNotesEveryReleaseInCallOrder)
+{
+    RefLibrary lib;
+    auto journal = reinterpret_cast<uint64_t (*)(int, char*, uint32_t)>(lib.symbol("twRefDecoderReleaseJournal"));
+    ASSERT_NE(journal, nullptr);
+    IBlackmagicRawFactory* factory = lib.createFactory();
+    ASSERT_NE(factory, nullptr);
+    IBlackmagicRaw* codec = nullptr;
+    ASSERT_EQ(factory->CreateCodec(&codec), S_OK);
+    codec->AddRef();
+
+    EXPECT_EQ(journal(1, nullptr, 0), 0u);
+    codec->Release();
+    factory->Release();
+    codec->Release();
+    char text[512];
+    journal(0, text, sizeof text);
+    // "<kind> <address> refs=<left>" per release, in the order of the calls; the
+    // codec's last release also gives back its resource manager.
+    std::vector<std::string> releases;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        releases.push_back(line.substr(0, line.find(' ')) + line.substr(line.rfind(' ')));
+    EXPECT_EQ(releases, (std::vector<std::string>{"Codec refs=1", "Factory refs=0", "Codec refs=0", "ResourceManager refs=0"}))
+        << text;
+    // Starting again empties it; stopping ends the noting.
+    EXPECT_EQ(journal(1, nullptr, 0), 0u);
+    EXPECT_EQ(journal(-1, nullptr, 0), 0u);
+    IBlackmagicRawFactory* later = lib.createFactory();
+    ASSERT_NE(later, nullptr);
+    later->Release();
+    EXPECT_EQ(journal(0, nullptr, 0), 0u);
     EXPECT_NO_LIVE_OBJECTS(lib);
 }

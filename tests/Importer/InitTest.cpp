@@ -216,3 +216,44 @@ TEST_F(ImporterTest, CacheThatCannotBeEmptiedIsOnlyLogged) {
     EXPECT_EQ(errorMessages(),
               std::vector<std::string>{"Impossible to clear Cache : cleanFolder - FolderPath input is not a folder"});
 }
+
+TEST_F(ImporterTest, StartUpStepsRunInTheirOrder) {
+    // Every step leaves a trace: a failed preset move, logging on, a host too
+    // new, and a cache that cannot be emptied.
+    writeOptions("INFO");
+    m_folder.writeFile("home/Library/Application Support/Qervane/TW_Preset/mine.twPreset", "{}");
+    ASSERT_EQ(symlink((m_folder.path() + "/nowhere").c_str(), (productFolder() + "/TW_Preset").c_str()), 0);
+    m_folder.writeFile("home/Library/Application Support/Qervane/Tarnwick/Cache", "not a folder");
+    start(identity(kAppPremierePro, 26));
+    ASSERT_EQ(host().init(), imNoErr);
+    host().shutdown();
+
+    // The boxes: the move (step 4), the log warning (6), the version gate (9).
+    const std::vector<std::string> shown = events();
+    ASSERT_EQ(shown.size(), 3u);
+    EXPECT_NE(shown[0].find("|BRAW - Error transferring TW Presets|"), std::string::npos) << shown[0];
+    EXPECT_NE(shown[1].find("|BRAW - /!\\ Logs are enabled !"), std::string::npos) << shown[1];
+    EXPECT_NE(shown[2].find(kNewVersionTitle), std::string::npos) << shown[2];
+
+    // The log: the options and the install check's thread (step 5, lowered
+    // or already over), the move's error (7), the selector line (8), the
+    // cache (10), then the decoder library (13) and the manager's codec.
+    const std::vector<std::string> steps = {"Tarnwick_options.ini Content : ",
+                                            "CheckInstallFolder priority ",
+                                            "Error while transfering Ini File : ",
+                                            "---- Selector - imInit ----",
+                                            "Impossible to clear Cache : ",
+                                            "Succeeded in creating IBlackmagicRawFactory with this path ",
+                                            "Initializing Pipeline"};
+    std::vector<size_t> firstLine(steps.size(), SIZE_MAX);
+    const std::vector<LogLine> lines = logLines();
+    for (size_t n = 0; n < lines.size(); ++n)
+        for (size_t s = 0; s < steps.size(); ++s)
+            if (firstLine[s] == SIZE_MAX && lines[n].message.find(steps[s]) != std::string::npos) firstLine[s] = n;
+    for (size_t s = 0; s < steps.size(); ++s) {
+        EXPECT_NE(firstLine[s], SIZE_MAX) << steps[s];
+        if (s > 0) {
+            EXPECT_LT(firstLine[s - 1], firstLine[s]) << steps[s - 1] << " / " << steps[s];
+        }
+    }
+}

@@ -185,17 +185,26 @@ bool addTyped(QV_JSON& json, rapidjson::Value& object, const char* key, int type
     }
 }
 
-// A file may hold a key twice; none of the old ones may stay behind the new one.
-void removeAllMembers(QV_JSON& json, const char* key) {
-    while (json.removeMemberFromObject(json.document, key)) {
-    }
-}
-
 bool flagAt(const std::vector<bool>& flags, int index) {
     return index >= 0 && static_cast<size_t>(index) < flags.size() && flags[static_cast<size_t>(index)];
 }
 
 }  // namespace
+
+// Erased rather than removed: a removal moves the last member into the hole,
+// which would shuffle the user's keys and the ones just written.
+void SidecarUtility::removeAllMembers(QV_JSON& json, const char* key) {
+    rapidjson::Value& root = json.document;
+    if (!root.IsObject()) return;
+    const size_t length = std::strlen(key);
+    for (auto it = root.MemberBegin(); it != root.MemberEnd();) {
+        if (it->name.GetStringLength() == length && std::memcmp(it->name.GetString(), key, length) == 0) {
+            it = root.EraseMember(it);
+        } else {
+            ++it;
+        }
+    }
+}
 
 qvUtf8String SidecarUtility::activeKeyOf(const qvUtf8String& key) {
     if (key.StartsWith("tw_")) return key + "_active";
@@ -274,10 +283,10 @@ void SidecarUtility::setValueAndActiveStateInJson(const qvUtf8String& key, int i
     }
     if (writeActive) {
         const qvUtf8String activeKey = activeKeyOf(key);
-        removeAllMembers(json, activeKey.c_str());
+        SidecarUtility::removeAllMembers(json, activeKey.c_str());
         json.addUintToObject(json.document, activeKey.c_str(), flagAt(activeFlags, index) ? 1u : 0u);
     }
-    removeAllMembers(json, key.c_str());
+    SidecarUtility::removeAllMembers(json, key.c_str());
     if (frameLevel) {
         rapidjson::Value object;
         json.createEmptyObject(object);

@@ -83,6 +83,10 @@ public:
                                              const std::vector<bool>& activeFlags, const void* value, int typeCode,
                                              bool frameLevel, const qvUtf8String& frameKey, bool writeActive);
 
+    // Every member of the root named key (a file may hold a key twice), the
+    // other members keeping their order.
+    static void removeAllMembers(QV_JSON& json, const char* key);
+
     // "tw_" + key + "_active"; a key that already starts with "tw_" keeps a single prefix.
     static qvUtf8String activeKeyOf(const qvUtf8String& key);
 };

@@ -1,6 +1,7 @@
 #include "TW_Settings_Utils/TW_LUT.h"
 
 #include "FileSystem/qvFileSystem.h"
+#include "TW_Settings_Utils/SidecarUtility.h"
 #include "TW_Settings_Utils/twNumberText.h"
 #include "Utils/qvLogging.h"
 
@@ -162,10 +163,7 @@ QvResult TW_LUT::addLUTToSidecar(QV_JSON& json) const {
     if (!root.IsObject()) return QvResult("Impossible to add the LUT : the sidecar is not a JSON object");
     const char* keys[] = {"post_3dlut_mode", "post_3dlut_sidecar_name", "post_3dlut_sidecar_title",
                           "post_3dlut_sidecar_size", "post_3dlut_sidecar_data"};
-    for (const char* key : keys) {
-        while (json.removeMemberFromObject(root, key)) {
-        }
-    }
+    for (const char* key : keys) SidecarUtility::removeAllMembers(json, key);
     json.addStringToObject(root, keys[0], qvUtf8String("Sidecar"));
     json.addStringToObject(root, keys[1], name);
     json.addStringToObject(root, keys[2], title);

@@ -3,6 +3,7 @@
 #include "Manager/Callback.h"
 #include "Manager/Clip.h"
 #include "Manager/Instance.h"
+#include "Manager/qvParallelWorker.h"
 #include "Manager/Request.h"
 #include "Manager/twBufferManager.h"
 #include "Manager/twComRelease.h"
@@ -60,8 +61,8 @@ qvBRAW_Manager::qvBRAW_Manager() : m_errorInfo("", false) {}
 
 qvBRAW_Manager::~qvBRAW_Manager() {
     Release();
-    // Seam: m_parallelWorker stays null until the worker class lands; it is
-    // deleted here then.
+    delete m_parallelWorker;
+    m_parallelWorker = nullptr;
     if (m_instance) {
         m_instance->Release();
         delete m_instance;

@@ -12,8 +12,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
 #include <thread>
 
 namespace {
@@ -287,37 +285,11 @@ TEST_F(RequestFlow, SyncDecodeReturnsOnlyOnceEveryCallbackOfTheRequestHasRun) {
     EXPECT_EQ(m_manager->GetQueueSizeSafe(), 0u);
 }
 
-// A stage the test holds until it lets it go.
-class Gate {
-public:
-    void wait() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_waiting = true;
-        m_changed.notify_all();
-        m_changed.wait(lock, [this] { return m_open; });
-    }
-    void waitUntilHeld() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_waiting; });
-    }
-    void open() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_open = true;
-        m_changed.notify_all();
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_waiting = false;
-    bool m_open = false;
-};
-
 TEST_F(RequestFlow, QueueLookUpsSeeRunningRequestsStayAndFinishedOnesLeave) {
     std::shared_ptr<qvBRAW_Clip> clip = open(model());
     TestFrame frame(kWidth, kHeight, 4, kWidth * 4 + 4);
     auto running = twtest::makeFlowRequest(*m_manager, clip, 2, QV_PIXEL_FORMAT_BGRA_8_LOW, frame, 5);
-    Gate gate;
+    twtest::Gate gate;
     twtest::ScopedStageHook hook([&](const std::string& stage, uint64_t, qvBRAW_Request*) {
         if (stage == "decode") gate.wait();
     });

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <deque>
 #include <thread>
 
 namespace {
@@ -48,6 +49,8 @@ protected:
             true, false, index);
         return read ? static_cast<int64_t>(index) : -1;
     }
+
+    std::deque<TestFrame> m_lastingFrames;
 };
 
 TEST_F(RequestFlow, TightWholeFrameIsFilledByTheLibraryDirectlyAndOtherLayoutsAreConverted) {
@@ -356,9 +359,11 @@ TEST_F(RequestFlow, FlushOfOneQueueTakesItsFinishedRequestsAndLeavesTheOthersAlo
 
 TEST_F(RequestFlow, ARequestLeftInTheQueueGivesItsBuffersBackWhenTheManagerGoes) {
     std::shared_ptr<qvBRAW_Clip> clip = open(model());
-    TestFrame frame(kWidth, kHeight, 4, kWidth * 4 + 4);
+    // The host's frame outlives the manager, whose end waits for the stages.
+    m_lastingFrames.emplace_back(kWidth, kHeight, 4, kWidth * 4 + 4);
     {
-        auto request = twtest::makeFlowRequest(*m_manager, clip, 1, QV_PIXEL_FORMAT_BGRA_8_LOW, frame);
+        auto request =
+            twtest::makeFlowRequest(*m_manager, clip, 1, QV_PIXEL_FORMAT_BGRA_8_LOW, m_lastingFrames.back());
         ASSERT_EQ(m_manager->AddProcessFrameAsync(request, false), 0);
     }
     clip.reset();

@@ -2,8 +2,10 @@
 // choice of algorithm and resource format per request, and the passes
 // themselves. Every pass is a single-threaded walk over the rows on the
 // library's callback thread, under the request's m_mutex, and none of them
-// takes memory: the hot loops work on local __restrict cursors so that the
-// compiler vectorises them.
+// takes memory. The hot loops take their cursors as __restrict parameters, so
+// that the compiler knows source and frame apart and vectorises them, or work
+// on explicit eight-element vectors where the element pattern is too irregular
+// for the compiler to see.
 
 #include "Manager/Request.h"
 #include "Manager/twBufferManager.h"

@@ -3,6 +3,7 @@
 
 #include "Library/RefDecoderDebug.h"
 #include "Library/RefFactory.h"
+#include "Library/RefJob.h"
 #include "Library/RefLibObject.h"
 #include "Library/RefLibraryConfig.h"
 #include "Library/RefVariant.h"
@@ -126,3 +127,12 @@ TW_REF_EXPORT uint64_t twRefDecoderReleaseJournal(int restart, char* report, uin
 
 static_assert(std::is_same<decltype(&twRefDecoderReleaseJournal), TwRefDecoderReleaseJournalFunc>::value,
               "the journal's published signature");
+
+// Debug entry for tests: a function every job calls right before its stage.
+TW_REF_EXPORT void twRefDecoderSetStageHook(TwRefDecoderStageHook hook, void* context)
+{
+    twref::RefJob::setStageHook(hook, context);
+}
+
+static_assert(std::is_same<decltype(&twRefDecoderSetStageHook), TwRefDecoderSetStageHookFunc>::value,
+              "the stage hook's published signature");

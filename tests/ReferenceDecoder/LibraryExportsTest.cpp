@@ -17,7 +17,7 @@ TEST(LibraryExports, PublishedFunctionsAndTheReportAreExportedAndNothingOfTheIns
     for (const char* name : {"CreateBlackmagicRawFactoryInstance", "VariantInit", "VariantClear", "SafeArrayCreate",
                              "SafeArrayGetVartype", "SafeArrayGetLBound", "SafeArrayGetUBound", "SafeArrayAccessData",
                              "SafeArrayUnaccessData", "SafeArrayDestroy", "twRefDecoderLiveObjects",
-                             "twRefDecoderReleaseJournal"})
+                             "twRefDecoderReleaseJournal", "twRefDecoderSetStageHook"})
         EXPECT_NE(lib.symbol(name), nullptr) << name;
     // The dispatch layer's functions belong to callers, not to the library.
     EXPECT_EQ(lib.symbol("CreateBlackmagicRawFactoryInstanceFromPath"), nullptr);

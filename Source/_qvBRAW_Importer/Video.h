@@ -1,0 +1,25 @@
+#pragma once
+// The frame path shared by imGetSourceVideo and the asynchronous reader: the
+// frame number of a host time, and the hand-over of a finished request to the
+// host (its cache, its out frame, or the error frame and message).
+
+#include "MediaCoreSDK.h"
+
+#include <memory>
+
+struct TWI_PrivateData;
+class qvCachePrefsWrapper;
+class qvBRAW_Request_PPro;
+
+// frame = round(time / ticksPerSecond * frameRate), halves away from zero; both
+// outs -1 without private data or tick rate, and nothing with a null out. The
+// second out is the same number again: callers have always been given two.
+void GetFrameNumberFromTime(TWI_PrivateData* privateData, long long time, int* frame, int* frameAgain);
+
+// Gives the finished request's frame to the host as the record's out frame,
+// and, when `addToCache` and it decoded well, to the host's cache first. A
+// failed request's frame is painted in its stage's colour and shown to the
+// user with a message; it never enters the cache. 0.
+int ProcessFinishedRequest(imSourceVideoRec* rec, std::shared_ptr<qvCachePrefsWrapper> wrapper,
+                           std::shared_ptr<qvBRAW_Request_PPro> request, TWI_PrivateData* privateData,
+                           bool addToCache);

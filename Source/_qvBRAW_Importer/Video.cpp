@@ -1,16 +1,25 @@
 #include "_qvBRAW_Importer/Video.h"
 
+#include "_qvBRAW_Importer/CachePrefsWrapper.h"
 #include "_qvBRAW_Importer/Handlers.h"
+#include "_qvBRAW_Importer/PPix.h"
 #include "_qvBRAW_Importer/PrivateData.h"
+#include "_qvBRAW_Importer/Request_PPro.h"
+#include "_qvBRAW_Importer/Utils.h"
 
+#include "Adobe/qvAdobePPro.h"
+#include "FileSystem/qvUtf8Path.h"
 #include "Manager/Clip.h"
 #include "Manager/Manager.h"
 #include "twImporterSharedPrefs/twImporterSharedPrefs.h"
+#include "Utils/qvChrono.h"
 #include "Utils/qvLogging.h"
 
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <sstream>
 
 namespace {
 
@@ -20,6 +29,28 @@ float sizeRatio(uint32_t full, uint32_t size) {
 }
 
 }  // namespace
+
+const twImporterAttributes* TWI_AttributesOfRecord(const imSourceVideoRec& rec) {
+    if (!rec.prefs) return nullptr;
+    return static_cast<const twImporterAttributes*>(static_cast<const twImporterSharedPrefs*>(rec.prefs));
+}
+
+bool TWI_ManagerWorks(const TWI_PrivateData* privateData) {
+    return privateData && privateData->manager && !privateData->manager->m_errorInfo.hasError;
+}
+
+int TWI_ProcessFrameSyncLogged(qvBRAW_Manager* manager, const std::shared_ptr<qvBRAW_Request_PPro>& request) {
+    qvChrono chrono;
+    chrono.start();
+    const int32_t result = manager->ProcessFrameSync(request);
+    if (result != 0 || request->m_errorCode != 0) {
+        QV_LOG(QV_LOG_ERR, request->logPrefix() << "ProcessFrameSync failed => Corrupted frame ?");
+    } else {
+        QV_LOG(QV_LOG_INFO, request->logPrefix() << "ProcessFrameSync dt " << chrono.getLatestSpanMicro(false)
+                                                 << " us");
+    }
+    return result;
+}
 
 void GetFrameNumberFromTime(TWI_PrivateData* privateData, long long time, int* frame, int* frameAgain) {
     if (!frame || !frameAgain) return;
@@ -129,5 +160,76 @@ int SelectClipFrameDescriptor(imStdParms*, void*, imClipFrameDescriptorRec* desc
     return result;
 }
 
-// Seam: the synchronous frame path lands with the decode request and the queue.
-int SDKGetSourceVideo(imStdParms*, void*, imSourceVideoRec*) { return malUnknownError; }
+int ProcessFinishedRequest(imSourceVideoRec* rec, std::shared_ptr<qvCachePrefsWrapper> wrapper,
+                           std::shared_ptr<qvBRAW_Request_PPro> request, TWI_PrivateData* privateData,
+                           bool addToCache) {
+    if (request->m_errorCode == 0) {
+        request->FinishProcessing();
+        if (addToCache && !request->m_addedToCache) {
+            AddToCache(privateData, wrapper, request->m_ppix);
+            request->m_addedToCache = true;
+        } else {
+            TWI_PPix_Test_Access(privateData, request->m_ppix);
+        }
+        request->m_ownsPPix = false;
+        *rec->outFrame = request->m_ppix;
+        return 0;
+    }
+
+    QV_LOG(QV_LOG_ERR, request->logPrefix() << "Request is OnError ! " << request->m_errorMsg);
+    TWI_PPix_Test_Access(privateData, request->m_ppix);
+    // A code missing from the table throws std::out_of_range, for the entry to stop.
+    const QvColor& color =
+        qvBRAW_Request::s_errorCodeToColor.at(static_cast<TW_REQUEST_ERROR_CODE>(request->m_errorCode));
+    // A request whose frame could not be made has nothing to paint or to give.
+    if (request->m_ppix) TWI_FillPPix(privateData, request->m_ppix, color.red, color.green, color.blue);
+    const qvUtf8String fileName =
+        privateData->filepath ? qvUtf8Path(*privateData->filepath).Filename(true) : qvUtf8String();
+    std::ostringstream title;
+    title << "Frame #" << static_cast<int64_t>(request->m_frame) << " from " << fileName
+          << " couldn't be decoded. Footage might be corrupted! Please try to import it into DaVinci Resolve to see "
+             "if the same frames are corrupted";
+    displayMsgToTheUserFromSuite(privateData->errorSuite, title.str(), qvUtf8String(), 3, false);
+    *rec->outFrame = request->m_ppix;
+    request->m_ownsPPix = false;
+    return 0;
+}
+
+int SDKGetSourceVideo(imStdParms* stdParms, void*, imSourceVideoRec* sourceVideo) {
+    if (!sourceVideo) return malUnknownError;
+    return TWI_PrivateData_LockExecute(
+        stdParms, static_cast<char**>(sourceVideo->inPrivateData), [&](TWI_PrivateData* privateData) {
+            if (!privateData) return static_cast<int>(malUnknownError);
+            imSourceVideoRec& rec = *sourceVideo;
+            const bool newCacheApi = stdParms && stdParms->imInterfaceVer >= 23;
+            auto wrapper = std::make_shared<qvCachePrefsWrapper>(
+                privateData, rec.prefs, rec.prefsSize, rec.inFrameTime, rec.inNumFrameFormats, rec.inFrameFormats,
+                newCacheApi, &rec.opaqueColorSpaceIdentifier, false);
+            QV_LOG(QV_LOG_WARN, "[Q" << privateData->importerID << "C" << privateData->clipID << "#" << wrapper->frame
+                                     << "] SDKGetSourceVideo Called for "
+                                     << GetIntentStr(rec.inRenderContext.inIntent));
+            if (rec.prefs) {
+                const QvResult check = checkPrefsSizeAndVersion(rec.prefs, static_cast<unsigned>(rec.prefsSize));
+                if (check.hasError) {
+                    QV_LOG(QV_LOG_ERR, check.toString());
+                    return 99;
+                }
+            }
+            PPix** cached = nullptr;
+            bool found = false;
+            GetFromCache(privateData, wrapper, &cached, &found);
+            if (found) {
+                QV_LOG(QV_LOG_INFO, "Frame retrieved from cache PPID:" << static_cast<const void*>(cached));
+                *rec.outFrame = cached;
+                return 0;
+            }
+
+            auto request = qvBRAW_Request_PPro::CreateNewRequest(TWI_ManagerWorks(privateData), privateData->manager);
+            const int setup = request->SetupFromSourceVideoRec("SDKGetSourceVideo", privateData, rec,
+                                                               static_cast<unsigned long>(request->m_uniqueID),
+                                                               wrapper, TWI_AttributesOfRecord(rec), true);
+            if (setup != 0) return setup;
+            TWI_ProcessFrameSyncLogged(privateData->manager, request);
+            return ProcessFinishedRequest(&rec, wrapper, request, privateData, true);
+        });
+}

@@ -8,8 +8,18 @@
 #include <memory>
 
 struct TWI_PrivateData;
+struct twImporterAttributes;
+class qvBRAW_Manager;
 class qvCachePrefsWrapper;
 class qvBRAW_Request_PPro;
+
+// The settings of the record's prefs blob, past its header; null without one.
+const twImporterAttributes* TWI_AttributesOfRecord(const imSourceVideoRec& rec);
+// A manager that can decode: there, and not in its failed state.
+bool TWI_ManagerWorks(const TWI_PrivateData* privateData);
+// The synchronous decode of a prepared request, with its time or its failure
+// in the log. The manager's result.
+int TWI_ProcessFrameSyncLogged(qvBRAW_Manager* manager, const std::shared_ptr<qvBRAW_Request_PPro>& request);
 
 // frame = round(time / ticksPerSecond * frameRate), halves away from zero; both
 // outs -1 without private data or tick rate, and nothing with a null out. The

@@ -64,7 +64,8 @@ public:
 
     // --- Stages (virtual, in this order) ---
     // Called by the read stage under m_mutex before decoding; 1 ends the
-    // request there, with no decode.
+    // request there, with no decode; 2 says that it ended the request through
+    // HandleError with the lock held, which has released the lock.
     virtual int32_t ProcessReadFrame(IBlackmagicRawFrame* frame);
     // Ends the request with `code` and the text "(code) message" (plus the
     // library's text of `hresult`). With mutexHeld, m_mutex is unlocked here

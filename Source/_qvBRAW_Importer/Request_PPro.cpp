@@ -11,6 +11,8 @@
 #include "twImporterSharedPrefs/twImporterSharedPrefs.h"
 #include "Utils/qvLogging.h"
 
+#include <cstring>
+
 namespace {
 
 QV_PIXEL_FORMAT toQvPixelFormat(const imFrameFormat* format) {
@@ -187,5 +189,12 @@ int qvBRAW_Request_PPro::SetupFromSourceVideoRec(const qvUtf8String& tag, TWI_Pr
 
 void qvBRAW_Request_PPro::FinishImageBuffer(TWI_PrivateData** privateData) {
     TWI_PPix_Test_Access(privateData ? *privateData : m_privateData, m_ppix);
-    qvBRAW_Request::FinishImageBuffer();
+    // Without the library a frame would show whatever the host's memory held:
+    // it shows dark instead. A frame past the clip's end, with the library
+    // there, is left as the host made it. A negative stride fails the test of
+    // the row bytes and is left alone.
+    void* buffer = m_bufferManager ? m_bufferManager->m_finalImageBuffer : nullptr;
+    if (!buffer || m_rowBytes < 1 || m_BMInit) return;
+    QV_LOG(QV_LOG_INFO, logPrefix() << "m_BMInit false : displaying mono color image");
+    std::memset(buffer, 31, static_cast<size_t>(m_rowBytes) * static_cast<size_t>(m_height));
 }

@@ -105,3 +105,82 @@ bool flatColour(const twSimFrameRef& frame, int& red, int& green, int& blue) {
     red = channel(2);
     return true;
 }
+
+#include "Library/RefDecoderDebug.h"
+
+#include <dlfcn.h>
+
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <utility>
+
+struct twStageWatch::State {
+    mutable std::mutex mutex;
+    std::condition_variable changed;
+    std::map<std::pair<std::string, uint64_t>, int> counts;
+    bool holding = false;
+    uint64_t heldFrame = 0;
+    bool arrived = false;
+};
+
+namespace {
+
+TwRefDecoderSetStageHookFunc stageHookSetter() {
+    return reinterpret_cast<TwRefDecoderSetStageHookFunc>(dlsym(RTLD_DEFAULT, TW_REF_DECODER_SET_STAGE_HOOK_SYMBOL));
+}
+
+}  // namespace
+
+twStageWatch::twStageWatch() : m_state(new State) {
+    if (TwRefDecoderSetStageHookFunc set = stageHookSetter()) set(&twStageWatch::onStage, this);
+}
+
+twStageWatch::~twStageWatch() {
+    open();
+    if (TwRefDecoderSetStageHookFunc set = stageHookSetter()) set(nullptr, nullptr);
+    delete m_state;
+}
+
+void twStageWatch::onStage(const char* stage, uint64_t frame, void*, void* context) {
+    State& s = *static_cast<twStageWatch*>(context)->m_state;
+    std::unique_lock<std::mutex> lock(s.mutex);
+    ++s.counts[{stage, frame}];
+    if (s.holding && frame == s.heldFrame && std::string(stage) == "process") {
+        s.arrived = true;
+        s.changed.notify_all();
+        s.changed.wait(lock, [&s] { return !s.holding; });
+    }
+}
+
+int twStageWatch::count(const std::string& stage, uint64_t frame) const {
+    std::lock_guard<std::mutex> lock(m_state->mutex);
+    auto it = m_state->counts.find({stage, frame});
+    return it == m_state->counts.end() ? 0 : it->second;
+}
+
+int twStageWatch::total(const std::string& stage) const {
+    std::lock_guard<std::mutex> lock(m_state->mutex);
+    int sum = 0;
+    for (const auto& entry : m_state->counts)
+        if (entry.first.first == stage) sum += entry.second;
+    return sum;
+}
+
+void twStageWatch::hold(uint64_t frame) {
+    std::lock_guard<std::mutex> lock(m_state->mutex);
+    m_state->holding = true;
+    m_state->heldFrame = frame;
+    m_state->arrived = false;
+}
+
+void twStageWatch::waitUntilHeld() {
+    std::unique_lock<std::mutex> lock(m_state->mutex);
+    m_state->changed.wait(lock, [this] { return m_state->arrived; });
+}
+
+void twStageWatch::open() {
+    std::lock_guard<std::mutex> lock(m_state->mutex);
+    m_state->holding = false;
+    m_state->changed.notify_all();
+}

@@ -4,9 +4,13 @@
 #include "twSimHost.h"
 #include "twSimPixelFormat.h"
 
+#include <CLI/CLI.hpp>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <ostream>
 #include <sstream>
 
 namespace {
@@ -202,10 +206,44 @@ bool twHostFrameSource::ready(std::string& error) const {
     return false;
 }
 
+void twHostFrameSource::close() { m_reader.reset(); }
+
 twSimFrameResult twHostFrameSource::get(long long frame, int width, int height, PrPixelFormat format) {
     const twSimFrameRequest request = m_file.frameRequest(frame, width, height, format);
     if (!m_reader) return m_file.getSourceVideo(request);
     const csSDK_int32 initiated = m_reader->initiateRead(request);
     if (initiated != 0) return twSimFrameResult{initiated, twSimFrameRef()};
     return m_reader->waitForFrame(request, 1000000);
+}
+
+void twHostPictureOptions::addTo(CLI::App& command) {
+    command.add_option("--frames", frames, "frames to read: A-B, or N,M,... (default: every frame)")
+        ->type_name("A-B|N,M,...");
+    command.add_option("--size", size, "frame size: WxH, full, half or quarter (default: full)")
+        ->type_name("WxH|half|quarter");
+    command.add_option("--format", format, "host pixel format: " + twHostPixelFormatNames() + " (default BGRA_8u)")
+        ->type_name("FORMAT");
+}
+
+bool twHostPictureOptions::resolve(const twSimFile& file, std::vector<long long>& frameList, int& width,
+                                   int& height, const twHostPixelFormat*& pixelFormat, std::string& error) const {
+    pixelFormat = twHostFindPixelFormat(format);
+    if (!pixelFormat) {
+        error = "--format " + format + ": one of " + twHostPixelFormatNames();
+        return false;
+    }
+    const imFileInfoRec8& info = file.info();
+    if (!twHostParseSize(size, info.vidInfo.imageWidth, info.vidInfo.imageHeight, width, height, error)) return false;
+    return twHostParseFrames(frames, info.vidDurationInFrames, frameList, error);
+}
+
+twHostProgress::twHostProgress(std::ostream& err, const char* what, size_t total)
+    : m_err(err), m_what(what), m_total(total), m_terminal(isatty(STDERR_FILENO) != 0) {}
+
+twHostProgress::~twHostProgress() {
+    if (m_terminal) m_err << "\n";
+}
+
+void twHostProgress::step(size_t done) {
+    if (m_terminal) m_err << "\r" << m_what << " " << done << "/" << m_total << std::flush;
 }

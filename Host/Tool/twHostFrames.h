@@ -8,6 +8,7 @@
 #include "twSimFrameRef.h"
 
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -69,10 +70,44 @@ public:
     // False with the reason when no reader could be made.
     bool ready(std::string& error) const;
     twSimFrameResult get(long long frame, int width, int height, PrPixelFormat format);
+    // The reader flushed and closed, as a host does before it closes the file.
+    void close();
 
 private:
     twSimFile& m_file;
     std::unique_ptr<class twSimAsyncReader> m_reader;
     csSDK_int32 m_createResult = 0;
     bool m_async;
+};
+
+namespace CLI {
+class App;
+}
+
+// --frames, --size and --format as the picture commands take them, and what
+// they come to for one clip.
+struct twHostPictureOptions {
+    std::string frames;  // empty: every frame
+    std::string size;    // empty: full
+    std::string format = "BGRA_8u";
+
+    void addTo(CLI::App& command);
+    // The frames, size and pixel format for `file`; false with the reason.
+    bool resolve(const twSimFile& file, std::vector<long long>& frameList, int& width, int& height,
+                 const twHostPixelFormat*& pixelFormat, std::string& error) const;
+};
+
+// "\r<what> <done>/<total>" on the error stream when it is a terminal, and the
+// line closed at the end; nothing otherwise.
+class twHostProgress {
+public:
+    twHostProgress(std::ostream& err, const char* what, size_t total);
+    ~twHostProgress();
+    void step(size_t done);
+
+private:
+    std::ostream& m_err;
+    const char* m_what;
+    size_t m_total;
+    bool m_terminal;
 };

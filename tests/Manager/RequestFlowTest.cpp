@@ -12,8 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
+#include <deque>
 #include <thread>
 
 namespace {
@@ -50,6 +49,8 @@ protected:
             true, false, index);
         return read ? static_cast<int64_t>(index) : -1;
     }
+
+    std::deque<TestFrame> m_lastingFrames;
 };
 
 TEST_F(RequestFlow, TightWholeFrameIsFilledByTheLibraryDirectlyAndOtherLayoutsAreConverted) {
@@ -201,6 +202,35 @@ TEST_F(RequestFlow, SettingsRefusedBeforeQueueingEndTheRequestWithCode3AndNothin
     EXPECT_TRUE(tintFrame.untouched());
 }
 
+TEST_F(RequestFlow, AReadOnlyFrameSettingIsPassedOverAndTheOthersStillApply) {
+    RefClipModel readOnlyIso = model();
+    readOnlyIso.frameAttribute(blackmagicRawFrameProcessingAttributeISO)->readOnly = true;
+    std::shared_ptr<qvBRAW_Clip> clip = open(readOnlyIso);
+    TestFrame neutral(kWidth, kHeight, 4, kWidth * 4);
+    TestFrame warm(kWidth, kHeight, 4, kWidth * 4);
+    auto neutralRequest = twtest::makeFlowRequest(*m_manager, clip, 1, QV_PIXEL_FORMAT_BGRA_8_LOW, neutral);
+    auto warmRequest = std::make_shared<FlowRequest>();
+    warmRequest->m_queueID = 1;
+    ASSERT_FALSE(warmRequest->setScaleAndDimensions(clip, kWidth, kHeight, false).hasError);
+    warmRequest->setup(QV_APP_ENUM::QV_APP_PPRO, 1, clip->m_frameCount, clip->m_ID, warm.address(), warm.rowBytes,
+                       QV_PIXEL_FORMAT_BGRA_8_LOW,
+                       new twBufferManager(m_manager->m_resourceManager, m_manager->m_manualDecoderFlow1, nullptr,
+                                           blackmagicRawResourceTypeBufferCPU, true, nullptr, nullptr),
+                       false, clip->m_path, clip);
+    twAttributes prefs;
+    prefs.useClipAndFrameAttributes = true;
+    prefs.frame.iso = 3200;
+    prefs.frame.kelvin = 10000;
+    warmRequest->setClipAndtwFrameAttributesFromPrefs(&prefs, clip, true);
+    ASSERT_EQ(m_manager->ProcessFrameSync(neutralRequest), 0);
+    ASSERT_EQ(m_manager->ProcessFrameSync(warmRequest), 0);
+    EXPECT_EQ(warmRequest->m_errorCode, 0) << warmRequest->m_errorMsg.Str();
+    EXPECT_TRUE(logged("INFO", "Setting ISO Attribute failed but normal : parameter is ReadOnly"));
+    // The white balance reached the picture.
+    EXPECT_NE(neutral.bytes, warm.bytes);
+    EXPECT_EQ(shownFrame(warm), 1);
+}
+
 TEST_F(RequestFlow, ACancelBeforeEachStageEndsTheRequestThereWithoutTouchingTheFrame) {
     std::shared_ptr<qvBRAW_Clip> clip = open(model());
     for (const char* stageName : {"read", "decode", "process"}) {
@@ -258,37 +288,11 @@ TEST_F(RequestFlow, SyncDecodeReturnsOnlyOnceEveryCallbackOfTheRequestHasRun) {
     EXPECT_EQ(m_manager->GetQueueSizeSafe(), 0u);
 }
 
-// A stage the test holds until it lets it go.
-class Gate {
-public:
-    void wait() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_waiting = true;
-        m_changed.notify_all();
-        m_changed.wait(lock, [this] { return m_open; });
-    }
-    void waitUntilHeld() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_waiting; });
-    }
-    void open() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_open = true;
-        m_changed.notify_all();
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_waiting = false;
-    bool m_open = false;
-};
-
 TEST_F(RequestFlow, QueueLookUpsSeeRunningRequestsStayAndFinishedOnesLeave) {
     std::shared_ptr<qvBRAW_Clip> clip = open(model());
     TestFrame frame(kWidth, kHeight, 4, kWidth * 4 + 4);
     auto running = twtest::makeFlowRequest(*m_manager, clip, 2, QV_PIXEL_FORMAT_BGRA_8_LOW, frame, 5);
-    Gate gate;
+    twtest::Gate gate;
     twtest::ScopedStageHook hook([&](const std::string& stage, uint64_t, qvBRAW_Request*) {
         if (stage == "decode") gate.wait();
     });
@@ -355,9 +359,11 @@ TEST_F(RequestFlow, FlushOfOneQueueTakesItsFinishedRequestsAndLeavesTheOthersAlo
 
 TEST_F(RequestFlow, ARequestLeftInTheQueueGivesItsBuffersBackWhenTheManagerGoes) {
     std::shared_ptr<qvBRAW_Clip> clip = open(model());
-    TestFrame frame(kWidth, kHeight, 4, kWidth * 4 + 4);
+    // The host's frame outlives the manager, whose end waits for the stages.
+    m_lastingFrames.emplace_back(kWidth, kHeight, 4, kWidth * 4 + 4);
     {
-        auto request = twtest::makeFlowRequest(*m_manager, clip, 1, QV_PIXEL_FORMAT_BGRA_8_LOW, frame);
+        auto request =
+            twtest::makeFlowRequest(*m_manager, clip, 1, QV_PIXEL_FORMAT_BGRA_8_LOW, m_lastingFrames.back());
         ASSERT_EQ(m_manager->AddProcessFrameAsync(request, false), 0);
     }
     clip.reset();

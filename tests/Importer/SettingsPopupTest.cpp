@@ -126,8 +126,12 @@ TEST_F(SettingsPopupImport, HostKeepsWorkingWhateverTheApplicationDoes) {
     std::filesystem::remove(m_app.path());
     EXPECT_EQ(file.getPrefs(), imNoErr);
     EXPECT_EQ(prefsBytes(file), defaultBlob());
-    // Still answering as before.
-    EXPECT_EQ(file.getInfo(), imNoErr);
+
+    // A sound application afterwards is heard as ever.
+    twtest::SettingsAppStandIn again(TW_POPUP_TEST_CHILD, m_app.path());
+    again.script({"result " + resultPreset(3200), "out json:{\"modified\":false}"});
+    ASSERT_EQ(file.getPrefs(), imNoErr);
+    EXPECT_EQ(readInt32(prefsBytes(file).data(), 188), 3200);
     finish();
 }
 

@@ -35,20 +35,6 @@ protected:
         fs::copy_file(TW_REF_DECODER_LIBRARY, product / "libBlackmagicRawAPI.so", fs::copy_options::overwrite_existing);
     }
 
-    twSimHost& startInstalled(const twSimIdentity& identity) {
-        m_host.reset();
-        twSimHostConfig config;
-        config.identity = identity;
-        config.useTestRoots = true;
-        config.testHome = m_home;
-        config.testSystemRoot = m_root;
-        m_host = std::make_unique<twSimHost>(config);
-        m_host->loadPlugin(m_plugin);
-        EXPECT_EQ(m_host->init(), imNoErr);
-        m_finished = false;
-        return *m_host;
-    }
-
     std::string resultPreset(uint32_t iso) const {
         TW_Preset preset;
         twFrameAttributes frame;
@@ -68,7 +54,7 @@ protected:
 
 TEST_F(SettingsPopupImport, AfterEffectsWindowChangeReachesThePrefsBlob) {
     m_app.script({"argv " + m_record, "result " + resultPreset(1600), "out json:{\"modified\":false}"});
-    startInstalled(twSimIdentity::AfterEffects());
+    startHost(twSimIdentity::AfterEffects(), m_plugin);
     const std::string clip = writeClip("A clip \"one\".braw", RefClipModel());
     twSimFile& file = importClip(clip);
     ASSERT_EQ(file.getPrefs(), imNoErr);
@@ -91,7 +77,7 @@ TEST_F(SettingsPopupImport, CancelChangesNothingAndAChangedOptionsFileIsReadAgai
     const std::string ini = m_home + "/Library/Application Support/Qervane/Tarnwick/Tarnwick_options.ini";
     const std::string log = productFolder() + "/Logs/Tarnwick_Importer_Adobe Media Encoder.log";
     m_app.script({"copy " + options + " " + ini, "out json:{\"modified\":false}"});
-    startInstalled(twSimIdentity::MediaEncoder());
+    startHost(twSimIdentity::MediaEncoder(), m_plugin);
     twSimFile& file = importClip(writeClip("clip.braw", RefClipModel()));
     ASSERT_EQ(file.getPrefs(), imNoErr);
     EXPECT_EQ(prefsBytes(file), defaultBlob());
@@ -105,7 +91,7 @@ TEST_F(SettingsPopupImport, CancelChangesNothingAndAChangedOptionsFileIsReadAgai
 }
 
 TEST_F(SettingsPopupImport, HostKeepsWorkingWhateverTheApplicationDoes) {
-    startInstalled(twSimIdentity::AfterEffects());
+    startHost(twSimIdentity::AfterEffects(), m_plugin);
     twSimFile& file = importClip(writeClip("clip.braw", RefClipModel()));
 
     const std::string pidFile = m_folder.join("pid");
@@ -137,7 +123,7 @@ TEST_F(SettingsPopupImport, HostKeepsWorkingWhateverTheApplicationDoes) {
 
 TEST_F(SettingsPopupImport, PremiereProOpensNoWindowHere) {
     m_app.script({"argv " + m_record});
-    startInstalled(twSimIdentity::PremierePro());
+    startHost(twSimIdentity::PremierePro(), m_plugin);
     twSimFile& file = importClip(writeClip("clip.braw", RefClipModel()));
     ASSERT_EQ(file.getPrefs(), imNoErr);
     EXPECT_FALSE(std::filesystem::exists(m_record));

@@ -9,6 +9,7 @@ packages=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   rapidjson-dev libsimpleini-dev
   libcli11-dev libsndfile1-dev
+  libopenimageio-dev ffmpeg
 )
 
 missing=()

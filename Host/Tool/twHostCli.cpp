@@ -109,7 +109,8 @@ void PrintUsageError(std::ostream& err, const std::string& message, const CLI::A
 
 // The plug-in loaded, initialised, the command run, shut down, and the host's
 // report of what was left behind.
-int RunSession(twHostCliOptions& options, twHostCommand& command, std::ostream& out, std::ostream& err) {
+int RunSession(twHostCliOptions& options, twHostCommand& command, std::ostream& data, std::ostream& err) {
+    std::ostream& out = command.writesDataToStandardOutput() ? err : data;
     if (options.pluginPath.empty()) options.pluginPath = twHostDefaultPluginPath();
     twSimHostConfig config;
     config.identity = options.identity;
@@ -133,7 +134,7 @@ int RunSession(twHostCliOptions& options, twHostCommand& command, std::ostream& 
         return kExitLoad;
     }
 
-    twHostSession session{host, options, out, err};
+    twHostSession session{host, options, data, err};
     int code = command.run(session);
 
     const csSDK_int32 shutdownResult = host.shutdown();

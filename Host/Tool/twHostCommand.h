@@ -35,6 +35,9 @@ public:
     virtual void addOptions(CLI::App& command) = 0;
     // Does the work; returns the exit code (kExitOk, kExitPluginFailure, ...).
     virtual int run(twHostSession& session) = 0;
+    // A command whose standard output is data for another program: the
+    // session's own lines then go to the error stream.
+    virtual bool writesDataToStandardOutput() const { return false; }
 };
 
 struct twHostCommandEntry {

@@ -17,6 +17,19 @@ using twtest::readArguments;
 
 namespace {
 
+constexpr int kWidth = 64;
+constexpr int kHeight = 32;
+
+// The sum of all the bytes of a frame: a brighter picture has the greater one.
+uint64_t byteSum(const twSimFrameRef& frame) {
+    uint64_t sum = 0;
+    for (int row = 0; row < kHeight; ++row) {
+        const unsigned char* bytes = frame.row(row);
+        for (int i = 0; i < kWidth * 4; ++i) sum += bytes[i];
+    }
+    return sum;
+}
+
 const char kProduct[] = "/Library/Application Support/Adobe/Common/Plug-ins/7.0/MediaCore/Qervane Tarnwick";
 
 std::vector<unsigned char> defaultBlob() {
@@ -57,6 +70,9 @@ TEST_F(SettingsPopupImport, AfterEffectsWindowChangeReachesThePrefsBlob) {
     startHost(twSimIdentity::AfterEffects(), m_plugin);
     const std::string clip = writeClip("A clip \"one\".braw", RefClipModel());
     twSimFile& file = importClip(clip);
+    const twSimFrameRequest request = file.frameRequest(0, kWidth, kHeight, PrPixelFormat_BGRA_4444_8u);
+    twSimFrameResult before = file.getSourceVideo(request);
+    ASSERT_EQ(before.result, imNoErr);
     ASSERT_EQ(file.getPrefs(), imNoErr);
 
     const std::vector<std::string> args = readArguments(m_record);
@@ -68,6 +84,13 @@ TEST_F(SettingsPopupImport, AfterEffectsWindowChangeReachesThePrefsBlob) {
     ASSERT_EQ(blob.size(), 396u);
     EXPECT_EQ(blob[4], 1);  // the settings are in use
     EXPECT_EQ(readInt32(blob.data(), 188), 1600);
+
+    // The next frame is decoded at ISO 1600: two stops brighter than before.
+    twSimFrameResult after = file.getSourceVideo(request);
+    ASSERT_EQ(after.result, imNoErr);
+    EXPECT_GT(byteSum(after.frame), byteSum(before.frame));
+    before.frame.reset();
+    after.frame.reset();
     finish();
 }
 

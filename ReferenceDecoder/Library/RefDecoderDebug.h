@@ -37,10 +37,24 @@
 //   factory, codec, configuration, pipeline and device methods, and for any
 //   clip method of every clip.
 
+//
+// Stage hook
+//   void twRefDecoderSetStageHook(TwRefDecoderStageHook hook, void* context)
+//   installs one process-wide function that every submitted job calls on its
+//   worker thread right before it does its stage's work and reports on the
+//   callback: hook(stage, frame, userData, context), stage being "read",
+//   "decode" or "process" and userData what the caller set on the job. A test
+//   uses it to act at an exact point between two stages (cancel a request,
+//   hold a stage) without relying on timing. Null removes it; the previous
+//   hook may still be running on a worker when this returns.
+
 #include <cstdint>
 
 extern "C" {
 typedef uint64_t (*TwRefDecoderLiveObjectsFunc)(char* report, uint32_t reportSize);
+typedef void (*TwRefDecoderStageHook)(const char* stage, uint64_t frame, void* userData, void* context);
+typedef void (*TwRefDecoderSetStageHookFunc)(TwRefDecoderStageHook hook, void* context);
 }
 
 #define TW_REF_DECODER_LIVE_OBJECTS_SYMBOL "twRefDecoderLiveObjects"
+#define TW_REF_DECODER_SET_STAGE_HOOK_SYMBOL "twRefDecoderSetStageHook"

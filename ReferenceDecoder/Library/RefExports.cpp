@@ -3,6 +3,7 @@
 
 #include "Library/RefDecoderDebug.h"
 #include "Library/RefFactory.h"
+#include "Library/RefJob.h"
 #include "Library/RefLibObject.h"
 #include "Library/RefLibraryConfig.h"
 #include "Library/RefVariant.h"
@@ -100,3 +101,12 @@ TW_REF_EXPORT uint64_t twRefDecoderLiveObjects(char* report, uint32_t reportSize
 
 static_assert(std::is_same<decltype(&twRefDecoderLiveObjects), TwRefDecoderLiveObjectsFunc>::value,
               "the report's published signature");
+
+// Debug entry for tests: a function every job calls right before its stage.
+TW_REF_EXPORT void twRefDecoderSetStageHook(TwRefDecoderStageHook hook, void* context)
+{
+    twref::RefJob::setStageHook(hook, context);
+}
+
+static_assert(std::is_same<decltype(&twRefDecoderSetStageHook), TwRefDecoderSetStageHookFunc>::value,
+              "the stage hook's published signature");

@@ -5,8 +5,34 @@
 #include "Render/RefRenderer.h"
 
 #include <cstring>
+#include <mutex>
 
 namespace twref {
+
+namespace {
+
+struct StageHook {
+    TwRefDecoderStageHook hook = nullptr;
+    void* context = nullptr;
+};
+
+std::mutex g_stageHookMutex;
+StageHook g_stageHook;
+
+StageHook currentStageHook()
+{
+    std::lock_guard<std::mutex> lock(g_stageHookMutex);
+    return g_stageHook;
+}
+
+}  // namespace
+
+void RefJob::setStageHook(TwRefDecoderStageHook hook, void* context)
+{
+    std::lock_guard<std::mutex> lock(g_stageHookMutex);
+    g_stageHook.hook = hook;
+    g_stageHook.context = context;
+}
 
 RefJob::RefJob(Kind kind, std::shared_ptr<RefCodecCore> core, RefHooks hooks, uint64_t frameIndex)
     : RefLibObject(kind == Kind::Read ? "Job(read)" : kind == Kind::Decode ? "Job(decode)" : "Job(process)"),
@@ -109,6 +135,11 @@ HRESULT RefJob::SetReaderResolutionScale(BlackmagicRawResolutionScale)
 void RefJob::execute()
 {
     IBlackmagicRawCallback* callback = m_core->callback();
+    const StageHook stageHook = currentStageHook();
+    if (stageHook.hook) {
+        const char* stage = m_kind == Kind::Read ? "read" : m_kind == Kind::Decode ? "decode" : "process";
+        stageHook.hook(stage, m_frameIndex, m_userData.load(), stageHook.context);
+    }
     switch (m_kind) {
     case Kind::Read: executeRead(callback); break;
     case Kind::Decode: executeDecode(callback); break;

@@ -7,6 +7,7 @@
 // may release its reference before or after the callback.
 
 #include "Library/RefClipData.h"
+#include "Library/RefDecoderDebug.h"
 #include "Library/RefCodecCore.h"
 #include "Library/RefFrameState.h"
 #include "Library/RefLibObject.h"
@@ -41,6 +42,9 @@ public:
     HRESULT SetUserData(void* userData) override;
     HRESULT GetUserData(void** userData) override;
     HRESULT SetReaderResolutionScale(BlackmagicRawResolutionScale readerResolutionScale) override;
+
+    // The tests' hook, called by every job before its stage (see RefDecoderDebug.h).
+    static void setStageHook(TwRefDecoderStageHook hook, void* context);
 
 private:
     enum class Kind { Read, Decode, Process };

@@ -14,5 +14,7 @@ const char* productPageUrl() { return TW_PRODUCT_PAGE_URL; }
 const char* userGuideUrl() { return TW_USER_GUIDE_URL; }
 const char* contactUrl() { return TW_CONTACT_URL; }
 const char* changelogUrl() { return TW_CHANGELOG_URL; }
+const char* websiteUrl() { return TW_WEBSITE_URL; }
+const char* timecodeHelpUrl() { return TW_TIMECODE_HELP_URL; }
 
 }  // namespace twDeployment

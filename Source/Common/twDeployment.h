@@ -11,5 +11,7 @@ const char* productPageUrl();
 const char* userGuideUrl();
 const char* contactUrl();
 const char* changelogUrl();
+const char* websiteUrl();
+const char* timecodeHelpUrl();
 
 }  // namespace twDeployment

@@ -3,7 +3,9 @@
 #include "Manager/Callback.h"
 #include "Manager/Clip.h"
 #include "Manager/Instance.h"
+#include "Manager/qvParallelWorker.h"
 #include "Manager/Request.h"
+#include "Manager/twBufferManager.h"
 #include "Manager/twComRelease.h"
 #include "Utils/qvLogging.h"
 #include "Utils/qvUtils.h"
@@ -59,8 +61,8 @@ qvBRAW_Manager::qvBRAW_Manager() : m_errorInfo("", false) {}
 
 qvBRAW_Manager::~qvBRAW_Manager() {
     Release();
-    // Seam: m_parallelWorker stays null until the worker class lands; it is
-    // deleted here then.
+    delete m_parallelWorker;
+    m_parallelWorker = nullptr;
     if (m_instance) {
         m_instance->Release();
         delete m_instance;
@@ -324,6 +326,15 @@ int32_t qvBRAW_Manager::Release() {
     QV_LOG(QV_LOG_INFO, "Releasing Global Manager");
     if (m_codec) m_codec->FlushJobs();
 
+    // The queued requests give their buffers back to the resource manager
+    // that made them, which goes with the codec below: after FlushJobs no
+    // callback holds any of them.
+    std::vector<std::shared_ptr<qvBRAW_Request>> requests;
+    TW_LOCK_QUEUE_TRACED();
+    requests.swap(m_queue);
+    m_queueMutex.unlock();
+    requests.clear();
+
     QV_LOCK_TRACED(m_clipsMutex);
     if (!m_clips.empty()) m_clips.clear();
     // The clips held their geometries without a reference of their own.
@@ -337,6 +348,194 @@ int32_t qvBRAW_Manager::Release() {
         m_callback = nullptr;
     }
     return 0;
+}
+
+int32_t qvBRAW_Manager::AddProcessFrameAsync(std::shared_ptr<qvBRAW_Request> request, bool sync) {
+    if (!request) return 1;
+    IBlackmagicRawJob* job = nullptr;
+    HRESULT jobResult = S_OK;
+
+    // A request that failed to start is queued all the same, with its error,
+    // to be collected and shown like any other.
+    auto fail = [&](int code, HRESULT hr, const qvUtf8String& text) -> int32_t {
+        if (!text.Empty()) request->HandleError(code, hr, text, false);
+        TW_LOCK_QUEUE_TRACED();
+        m_queue.push_back(request);
+        m_queueMutex.unlock();
+        if (job) job->Release();
+        return FAILED(jobResult) ? jobResult : static_cast<int32_t>(0x80000008);
+    };
+
+    const bool willDecode = request->m_imageEnabled && request->m_errorCode == 0;
+    request->m_jobInFlight = willDecode;
+    request->m_isSync = sync;
+
+    if (!willDecode) {
+        request->BeginProcessing();
+    } else {
+        std::shared_ptr<qvBRAW_Clip> clip = GetClip(request->m_clipID);
+        if (!clip) return fail(TW_REQUEST_ERROR_READ_JOB, 0, "Impossible to Get Clip ..!");
+        twBufferManager* buffers = request->m_bufferManager;
+        // Nothing to read into: the request can't start.
+        if (buffers == nullptr) return fail(TW_REQUEST_ERROR_READ_JOB, 0, "AddProcessFrameAsync - no buffer manager");
+
+        if (!clip->m_bmClipMutex.try_lock()) {
+            qvLockTracedWait(clip->m_bmClipMutex, "twClip->m_bmClipMutex", __FILE__, __func__);
+        }
+        if (clip->m_BM == nullptr) {
+            clip->m_bmClipMutex.unlock();
+            return fail(TW_REQUEST_ERROR_READ_JOB, 0,
+                        qvUtf8String("AddProcessFrameAsync - ") + (buffers->m_GPU ? "GPU" : "CPU") +
+                            " bmClip is nullptr");
+        }
+        bool corrupted = false;
+        const QvResult created = buffers->createReadJob(clip->m_BMEx, request->m_frame, &job, corrupted);
+        clip->m_bmClipMutex.unlock();
+
+        if (created.hasError || job == nullptr) {
+            QV_LOG(QV_LOG_ERR, request->logPrefix().Str() << "Impossible to create Read Job : " << created.message);
+            return fail(corrupted ? TW_REQUEST_ERROR_CORRUPTED_FRAME : TW_REQUEST_ERROR_READ_JOB, 0,
+                        created.hasError ? created.toString() : qvUtf8String("Impossible to create Read Job"));
+        }
+        jobResult = job->SetUserData(request.get());
+        if (FAILED(jobResult)) {
+            return fail(TW_REQUEST_ERROR_READ_JOB, jobResult, "Failed SetUserData on Read Job");
+        }
+        QV_LOG(QV_LOG_INFO, request->logPrefix().Str() << "Submitting Job");
+        request->m_chrono.start();
+        jobResult = job->Submit();
+        if (FAILED(jobResult)) {
+            request->m_jobInFlight = false;
+            return fail(TW_REQUEST_ERROR_READ_JOB, jobResult, "Failed to Submit Read Job");
+        }
+        // The library owns the job now; its first callback may already run.
+        job->Release();
+        job = nullptr;
+    }
+
+    TW_LOCK_QUEUE_TRACED();
+    m_queue.push_back(request);
+    m_queueMutex.unlock();
+    return 0;
+}
+
+int32_t qvBRAW_Manager::ProcessFrameSync(std::shared_ptr<qvBRAW_Request> request) {
+    if (!request || request->m_errorCode != 0) return 1;
+    AddProcessFrameAsync(request, true);
+    // The wait is on every job of the codec, callbacks included.
+    const HRESULT hr = m_codec ? m_codec->FlushJobs() : E_POINTER;
+    if (hr != S_OK) {
+        QV_LOG(QV_LOG_ERR, request->logPrefix().Str()
+                               << "Impossible to Flush Jobs ! " << qvUtils::getHRESULTerrorMessage(hr));
+        return 1;
+    }
+    std::shared_ptr<qvBRAW_Request> found;
+    bool stillProcessing = false;
+    FindInQueue(request, found, stillProcessing, true, false, false);
+    if (found != request) QV_LOG(QV_LOG_ERR, "In Request is not the same than out_request ! Impossible in Sync Mode");
+    if (stillProcessing) {
+        QV_LOG(QV_LOG_ERR, request->logPrefix().Str() << "The Request is still processing after Jobs Flushed ..");
+    }
+    return found ? 0 : 1;
+}
+
+int32_t qvBRAW_Manager::FindInQueue(std::shared_ptr<qvBRAW_Request> key, std::shared_ptr<qvBRAW_Request>& found,
+                                    bool& stillProcessing, bool remove, bool acceptEquivalent, bool statsOnly) {
+    stillProcessing = false;
+    TW_LOCK_QUEUE_TRACED();
+    if (m_queue.empty()) {
+        m_queueMutex.unlock();
+        return 0;
+    }
+    const bool withStats = g_logger.isLoggingActivated(QV_LOG_INFO);
+    uint64_t readCount = 0;
+    uint64_t decodeCount = 0;
+    uint64_t importerCount = 0;
+    bool matched = false;
+    for (size_t index = 0; index < m_queue.size(); ++index) {
+        const std::shared_ptr<qvBRAW_Request> request = m_queue[index];
+        // The flags are the callbacks' to write: they are read under the
+        // request's lock, counting included.
+        if (!request->m_mutex.try_lock()) {
+            qvLockTracedWait(request->m_mutex, "request->m_mutex", __FILE__, __func__);
+        }
+        if (withStats) {
+            if (!request->m_readDone) {
+                ++readCount;
+            } else if (request->m_processDone) {
+                if (!request->m_finished) ++importerCount;
+            } else {
+                ++decodeCount;
+            }
+        }
+        if (statsOnly || !key) {
+            request->m_mutex.unlock();
+            continue;
+        }
+        const bool same = request.get() == key.get();
+        if (!same && !(acceptEquivalent && !request->m_cancelled && key->operator==(*request))) {
+            request->m_mutex.unlock();
+            continue;
+        }
+        stillProcessing = !request->m_finished && request->m_imageEnabled && request->m_errorCode == 0;
+        found = request;
+        matched = true;
+        if (remove && !stillProcessing) {
+            const size_t before = m_queue.size();
+            m_queue.erase(m_queue.begin() + static_cast<std::ptrdiff_t>(index));
+            QV_LOG(QV_LOG_INFO, request->logPrefix().Str() << "Removed Queue, sizes " << before << "," << m_queue.size());
+        }
+        request->m_mutex.unlock();
+        break;
+    }
+    if (withStats) {
+        const qvUtf8String prefix = key ? key->logPrefix() : qvUtf8String();
+        QV_LOG(QV_LOG_INFO, prefix.Str() << "QueueStats "
+                                         << "RC " << readCount << ", DPC " << decodeCount << ", IPC " << importerCount
+                                         << ", sz " << m_queue.size() << " Found: " << (matched ? 1 : 0)
+                                         << " foundButStillProcessing: " << stillProcessing);
+    }
+    m_queueMutex.unlock();
+    return 0;
+}
+
+int32_t qvBRAW_Manager::GetFrame(std::shared_ptr<qvBRAW_Request> key, std::shared_ptr<qvBRAW_Request>& found,
+                                 bool& stillProcessing, bool acceptEquivalent, bool waitProcessToFinish) {
+    found.reset();
+    FindInQueue(key, found, stillProcessing, true, acceptEquivalent, false);
+    if (!waitProcessToFinish) return 0;
+    if (!found || !stillProcessing) return 0;
+
+    found.reset();
+    const HRESULT hr = m_codec ? m_codec->FlushJobs() : E_POINTER;
+    if (hr != S_OK) QV_LOG(QV_LOG_ERR, "Impossible to Flush Jobs ! " << qvUtils::getHRESULTerrorMessage(hr));
+    FindInQueue(key, found, stillProcessing, true, acceptEquivalent, false);
+    if (!found || !stillProcessing) return 0;
+    QV_LOG(QV_LOG_ERR, "Usually, Request are finished after Flushing Jobs ..");
+    return 1;
+}
+
+int32_t qvBRAW_Manager::removeFromQueue(qvBRAW_Request* request) {
+    if (request == nullptr) return 0;
+    TW_LOCK_QUEUE_TRACED();
+    bool removed = false;
+    for (auto entry = m_queue.begin(); entry != m_queue.end(); ++entry) {
+        if (entry->get() == request) {
+            m_queue.erase(entry);
+            removed = true;
+            break;
+        }
+    }
+    if (!removed) QV_LOG(QV_LOG_ERR, "Request not found in Queue ... So has not been Removed From Queue ?");
+    m_queueMutex.unlock();
+    return 0;
+}
+
+uint64_t qvBRAW_Manager::GetQueueSizeSafe() {
+    TW_LOCK_QUEUE_TRACED();
+    const uint64_t size = m_queue.size();
+    m_queueMutex.unlock();
+    return size;
 }
 
 int32_t qvBRAW_Manager::FlushQueue(uint32_t queueID) {

@@ -95,9 +95,36 @@ public:
     QvResult getAllDataFromClip(bool& generated, uint64_t id, bool wantSettings,
                                 std::shared_ptr<twSettingsInitData>& data, bool wantMetadata);
 
+    // --- Request queue ---
+    // Locks: m_queueMutex before a request's m_mutex, never the other way
+    // round; the library's callbacks take only the request's. FlushJobs is
+    // never called under m_queueMutex.
+
+    // Submits the request's read job (when it will decode) and queues it; a
+    // request that failed to start is queued all the same, with its error.
+    // 0 when queued without failure; 1 for no request; else the failure's
+    // HRESULT.
+    int32_t AddProcessFrameAsync(std::shared_ptr<qvBRAW_Request> request, bool sync);
+    // Queues the request, waits until the library has run every job of the
+    // codec (callbacks included) and takes the request out. 0 when it was found.
+    int32_t ProcessFrameSync(std::shared_ptr<qvBRAW_Request> request);
+    // The first entry that is `key` itself or, with acceptEquivalent, an
+    // uncancelled one equal to it by key's operator==. `stillProcessing`
+    // says that it isn't finished (it then stays queued). With remove, a
+    // finished match leaves the queue. With statsOnly, only counts. 0.
+    int32_t FindInQueue(std::shared_ptr<qvBRAW_Request> key, std::shared_ptr<qvBRAW_Request>& found,
+                        bool& stillProcessing, bool remove, bool acceptEquivalent, bool statsOnly);
+    // FindInQueue with remove; with waitProcessToFinish, an unfinished match is
+    // waited for through FlushJobs and looked up again. 1 when it stayed
+    // unfinished through the flush.
+    int32_t GetFrame(std::shared_ptr<qvBRAW_Request> key, std::shared_ptr<qvBRAW_Request>& found,
+                     bool& stillProcessing, bool acceptEquivalent, bool waitProcessToFinish);
     // Finished requests of that queue (or of all, with TW_ALL_QUEUES) leave the
     // queue; unfinished ones are cancelled and stay. 1 without a codec.
     int32_t FlushQueue(uint32_t queueID);
+    // Takes that very request out of the queue. 0.
+    int32_t removeFromQueue(qvBRAW_Request* request);
+    uint64_t GetQueueSizeSafe();
 
     qvBRAW_Instance* m_instance = nullptr;
     IBlackmagicRawResourceManager* m_resourceManager = nullptr;

@@ -6,6 +6,7 @@
 // JSON.
 
 #include "Manager/twAttributes.h"
+#include "Utils/qvJSON.h"
 
 #include <cstdint>
 #include <utility>
@@ -14,6 +15,13 @@ class twSettingsInitData {
 public:
     twSettingsInitData();
     virtual ~twSettingsInitData();
+    twSettingsInitData(const twSettingsInitData&) = default;
+    twSettingsInitData& operator=(const twSettingsInitData&) = default;
+
+    // Adds what the panels read to `object`, a value of `json`'s document. The
+    // lists of gamuts, gammas and colour sciences and the ranges stay out: the
+    // panels have them from the setting vocabulary.
+    virtual void fillInfosIntoJSONObject(QV_JSON& json, rapidjson::Value& object);
 
     twAttributes attributes;
     // Cleared when the probing of the first frame starts.

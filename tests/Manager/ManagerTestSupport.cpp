@@ -2,12 +2,14 @@
 
 #include "ProductConfig.h"
 #include "Library/RefDecoderDebug.h"
+#include "Manager/twBufferManager.h"
 #include "Utils/qvLogging.h"
 #include "Writer/RefClipWriter.h"
 
 #include <dlfcn.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -123,6 +125,50 @@ TestRequest::TestRequest(uint64_t queueID, uint64_t clipID, uint64_t frame, bool
     m_clipID = clipID;
     m_frame = frame;
     m_finished = finished;
+}
+
+TestFrame::TestFrame(uint32_t inWidth, uint32_t inHeight, uint32_t bytesPerPixel, int32_t inRowBytes, uint8_t inFill)
+    : width(inWidth), height(inHeight), rowBytes(inRowBytes), fill(inFill) {
+    const size_t stride = static_cast<size_t>(inRowBytes < 0 ? -inRowBytes : inRowBytes);
+    bytes.assign(std::max(stride, static_cast<size_t>(inWidth) * bytesPerPixel) * inHeight, inFill);
+}
+
+bool TestFrame::untouched() const {
+    for (uint8_t byte : bytes) {
+        if (byte != fill) return false;
+    }
+    return true;
+}
+
+std::shared_ptr<FlowRequest> makeFlowRequest(qvBRAW_Manager& manager, const std::shared_ptr<qvBRAW_Clip>& clip,
+                                             uint64_t frame, QV_PIXEL_FORMAT format, TestFrame& output,
+                                             uint64_t queueID) {
+    auto request = std::make_shared<FlowRequest>();
+    request->m_queueID = queueID;
+    const QvResult scaled = request->setScaleAndDimensions(clip, output.width, output.height, false);
+    if (scaled.hasError) throw std::runtime_error(scaled.toString().Str());
+    auto* buffers = new twBufferManager(manager.m_resourceManager, manager.m_manualDecoderFlow1,
+                                        manager.m_manualDecoderFlow2, blackmagicRawResourceTypeBufferCPU, true,
+                                        nullptr, nullptr);
+    request->setup(QV_APP_ENUM::QV_APP_PPRO, frame, clip->m_frameCount, clip->m_ID, output.address(),
+                   output.rowBytes, format, buffers, false, clip->m_path, clip);
+    request->setClipAndtwFrameAttributesFromPrefs(nullptr, clip, true);
+    return request;
+}
+
+ScopedStageHook::ScopedStageHook(Hook hook) : m_hook(std::move(hook)) {
+    auto set = reinterpret_cast<TwRefDecoderSetStageHookFunc>(dlsym(RTLD_DEFAULT, TW_REF_DECODER_SET_STAGE_HOOK_SYMBOL));
+    if (!set) throw std::runtime_error("the reference decoder's stage hook is not there");
+    set(&ScopedStageHook::call, this);
+}
+
+ScopedStageHook::~ScopedStageHook() {
+    auto set = reinterpret_cast<TwRefDecoderSetStageHookFunc>(dlsym(RTLD_DEFAULT, TW_REF_DECODER_SET_STAGE_HOOK_SYMBOL));
+    if (set) set(nullptr, nullptr);
+}
+
+void ScopedStageHook::call(const char* stage, uint64_t frame, void* userData, void* context) {
+    static_cast<ScopedStageHook*>(context)->m_hook(stage, frame, static_cast<qvBRAW_Request*>(userData));
 }
 
 void DecoderTest::SetUp() {

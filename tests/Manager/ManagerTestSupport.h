@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -57,6 +58,54 @@ public:
     TestRequest(uint64_t queueID, uint64_t clipID, uint64_t frame, bool finished);
     void OnCancelled() override { ++m_onCancelledCount; }
     int m_onCancelledCount = 0;
+};
+
+// A request that converts into its output buffer once processed, as the
+// host's request does, and counts its cancellations.
+class FlowRequest : public qvBRAW_Request {
+public:
+    FlowRequest() : qvBRAW_Request(true, nullptr) {}
+    int32_t BeginProcessing() override {
+        const int32_t result = qvBRAW_Request::BeginProcessing();
+        return result != 0 ? result : LaunchHeavyProcessing();
+    }
+    void OnCancelled() override { ++m_onCancelledCount; }
+    int m_onCancelledCount = 0;
+};
+
+// A host frame: its bytes, and the address and stride a request writes through
+// (a negative stride addresses the frame from its last row).
+struct TestFrame {
+    TestFrame(uint32_t width, uint32_t height, uint32_t bytesPerPixel, int32_t rowBytes, uint8_t fill = 0xAB);
+    void* address() { return rowBytes < 0 ? bytes.data() + (height - 1) * static_cast<size_t>(-rowBytes) : bytes.data(); }
+    bool untouched() const;
+
+    uint32_t width;
+    uint32_t height;
+    int32_t rowBytes;
+    uint8_t fill;
+    std::vector<uint8_t> bytes;
+};
+
+// A request for the whole of `frame` of the clip at its full size, prepared the
+// way the host's request is: scale, CPU buffers of the manager, output
+// buffer, the clip's own settings.
+std::shared_ptr<FlowRequest> makeFlowRequest(qvBRAW_Manager& manager, const std::shared_ptr<qvBRAW_Clip>& clip,
+                                             uint64_t frame, QV_PIXEL_FORMAT format, TestFrame& output,
+                                             uint64_t queueID = 1);
+
+// Installs the reference decoder's stage hook for the life of the object.
+class ScopedStageHook {
+public:
+    using Hook = std::function<void(const std::string& stage, uint64_t frame, qvBRAW_Request* request)>;
+    explicit ScopedStageHook(Hook hook);
+    ~ScopedStageHook();
+    ScopedStageHook(const ScopedStageHook&) = delete;
+    ScopedStageHook& operator=(const ScopedStageHook&) = delete;
+
+private:
+    static void call(const char* stage, uint64_t frame, void* userData, void* context);
+    Hook m_hook;
 };
 
 // Test roots, the product's configuration and a log at INFO in the test home.

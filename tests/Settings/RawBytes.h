@@ -37,6 +37,17 @@ inline uint32_t getU32(const Bytes& b, size_t at) {
     for (size_t i = 0; i < 4; ++i) v |= static_cast<uint32_t>(b.at(at + i)) << (8 * i);
     return v;
 }
+inline int16_t getI16(const Bytes& b, size_t at) { return static_cast<int16_t>(getU16(b, at)); }
+inline int32_t getI32(const Bytes& b, size_t at) { return static_cast<int32_t>(getU32(b, at)); }
+inline uint64_t getU64(const Bytes& b, size_t at) {
+    return static_cast<uint64_t>(getU32(b, at)) | (static_cast<uint64_t>(getU32(b, at + 4)) << 32);
+}
+// The text of a NUL-padded field of `width` bytes (all of it when it has no NUL).
+inline std::string getText(const Bytes& b, size_t at, size_t width) {
+    std::string text;
+    for (size_t i = 0; i < width && b.at(at + i) != 0; ++i) text.push_back(static_cast<char>(b.at(at + i)));
+    return text;
+}
 inline float getF32(const Bytes& b, size_t at) {
     uint32_t bits = getU32(b, at);
     float v;

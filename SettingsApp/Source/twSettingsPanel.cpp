@@ -123,17 +123,7 @@ void twSettingsPanel::setLimits(const twSettingLimits& limits) {
     for (const auto& entry : s_brawSettingsInfosMap) {
         const BRAW_Settings id = entry.first;
         const twSettingLimit& limit = m_limits[id];
-        if (limit.kind == RAW_SETTING_KIND_LIST) {
-            QComboBox* box = combo(id);
-            box->clear();
-            for (size_t i = 0; i < limit.choices.size(); ++i) {
-                box->addItem(QString::fromStdString(limit.choices[i]));
-                if (!limit.choiceEnabled[i]) {
-                    auto* model = qobject_cast<QStandardItemModel*>(box->model());
-                    if (model) model->item(static_cast<int>(i))->setEnabled(false);
-                }
-            }
-        } else if (limit.kind == RAW_SETTING_KIND_NUMBER) {
+        if (limit.kind == RAW_SETTING_KIND_NUMBER) {
             if (isWholeNumber(id)) {
                 integer(id)->setRange(static_cast<int>(std::ceil(limit.minimum)), static_cast<int>(std::floor(limit.maximum)));
             } else {
@@ -145,6 +135,20 @@ void twSettingsPanel::setLimits(const twSettingLimits& limits) {
     }
     --m_updating;
     setValues(shown, wb);
+}
+
+void twSettingsPanel::fillChoices() {
+    for (const auto& entry : s_brawSettingsInfosMap) {
+        const twSettingLimit& limit = m_limits[entry.first];
+        if (limit.kind != RAW_SETTING_KIND_LIST) continue;
+        QComboBox* box = combo(entry.first);
+        box->clear();
+        for (size_t i = 0; i < limit.choices.size(); ++i) {
+            box->addItem(QString::fromStdString(limit.choices[i]));
+            auto* model = qobject_cast<QStandardItemModel*>(box->model());
+            if (!limit.choiceEnabled[i] && model) model->item(static_cast<int>(i))->setEnabled(false);
+        }
+    }
 }
 
 void twSettingsPanel::showChoice(BRAW_Settings id, const QString& text) {
@@ -159,6 +163,9 @@ void twSettingsPanel::showChoice(BRAW_Settings id, const QString& text) {
 
 void twSettingsPanel::setValues(const twAttributes& attributes, WB_Preset wb) {
     ++m_updating;
+    // The lists start again from the clip's choices: a value shown earlier that
+    // they lack leaves with it.
+    fillChoices();
     m_shown = attributes;
     const twClipAttributes& clip = attributes.clip;
     const twFrameAttributes& frame = attributes.frame;

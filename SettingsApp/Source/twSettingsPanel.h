@@ -49,6 +49,7 @@ private:
     QSpinBox* integer(BRAW_Settings id) const;
     QCheckBox* check(BRAW_Settings id) const;
     void makeControls();
+    void fillChoices();
     // Shows `text` in a list control, adding it when the list lacks it so that
     // no value is lost by opening the panel.
     void showChoice(BRAW_Settings id, const QString& text);

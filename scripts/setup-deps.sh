@@ -8,6 +8,7 @@ packages=(
   clang libclang-rt-14-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   rapidjson-dev libsimpleini-dev
+  qt6-base-dev
 )
 
 missing=()

@@ -4,8 +4,10 @@
 #include "TW_Settings_Utils/TW_LUT.h"
 #include "TW_Settings_Utils/twFileReplacement.h"
 #include "TW_Settings_Utils/twNumberText.h"
-#include "Utils/qvJSON.h"
 #include "Utils/qvLogging.h"
+
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
 
 namespace {
 
@@ -33,9 +35,14 @@ void appendTriple(std::string& out, const std::vector<double>& numbers, size_t f
 
 }  // namespace
 
-QvResult LutUtility::fromLUTStringToFloatVector(const qvUtf8String& text, std::vector<double>& out) {
+namespace {
+
+// fromLUTStringToFloatVector on a piece of a larger text, without copying it.
+void numbersOf(std::string_view text, std::vector<double>& out) {
     out.clear();
-    twNumberText::forEachToken(text.Str(), [&out](std::string_view token) {
+    // A number and its blank take at least two bytes; a LUT's take nine or more.
+    out.reserve(text.size() / 8 + 1);
+    twNumberText::forEachToken(text, [&out](std::string_view token) {
         double value = 0.0;
         if (twNumberText::readDouble(token, value)) {
             out.push_back(value);
@@ -43,13 +50,20 @@ QvResult LutUtility::fromLUTStringToFloatVector(const qvUtf8String& text, std::v
             QV_LOG(QV_LOG_ERR, "Error while parsing LUT on : " << token);
         }
     });
+}
+
+}  // namespace
+
+QvResult LutUtility::fromLUTStringToFloatVector(const qvUtf8String& text, std::vector<double>& out) {
+    numbersOf(text.Str(), out);
     return QvResult();
 }
 
 QvResult LutUtility::layoutLUTMember(std::string_view in, std::string& out) {
     out.clear();
-    // Ten decimals instead of six, and the row indents.
-    out.reserve(in.size() + in.size() / 2 + 64);
+    // Ten decimals instead of six and the row indents make a LUT's text up to
+    // three times longer. Reserved, not touched: memory not written costs nothing.
+    out.reserve(in.size() * 3 + 64);
     std::vector<double> numbers;
     size_t pos = 0;
     while (pos < in.size()) {
@@ -71,7 +85,7 @@ QvResult LutUtility::layoutLUTMember(std::string_view in, std::string& out) {
             const size_t close = line.find('"', open + 1);
             if (close != std::string_view::npos) value = line.substr(open + 1, close - open - 1);
         }
-        fromLUTStringToFloatVector(qvUtf8String(std::string(value)), numbers);
+        numbersOf(value, numbers);
         if (numbers.size() % 3 != 0) {
             return QvResult("Impossible to update Sidecar LUT if Lut Vector length is not a multiple of 3");
         }
@@ -127,9 +141,42 @@ QvResult LutUtility::addLUTToSidecar(const qvUtf8String& sidecarPath, const qvUt
     const QvResult added = lut.addLUTToSidecar(json);
     if (added.hasError) return added;
 
+    // Both passes in memory and one replacement of the file: the sidecar is
+    // never seen with the LUT on one line, and the text isn't read back.
+    bool layoutFailed = false;
+    const QvResult written = writeSidecar(json, sidecarPath, true, layoutFailed);
+    if (written.hasError && !layoutFailed) return QvResult("Impossible to write Sidecar File");
+    return written;
+}
+
+QvResult LutUtility::writeSidecar(QV_JSON& json, const qvUtf8String& sidecarPath, bool layOutLut, bool& layoutFailed) {
+    layoutFailed = false;
     twFileReplacement replacement(sidecarPath, "sidecar");
-    if (json.writeJSONFile(replacement.tempPath()) != QV_JSON_OK || replacement.commit().hasError) {
-        return QvResult("Impossible to write Sidecar File");
+    if (!layOutLut) {
+        if (json.writeJSONFile(replacement.tempPath()) != QV_JSON_OK) {
+            return QvResult("Impossible to write " + replacement.tempPath());
+        }
+        return replacement.commit();
     }
-    return updateSidecarWithGoodLUTSyntax(sidecarPath, "0");
+    // The form of QV_JSON::writeJSONFile, into memory. Room for the LUT text is
+    // reserved up front: reserved memory that isn't written costs nothing.
+    std::string text;
+    {
+        size_t estimate = 4096;
+        if (json.document.IsObject()) {
+            for (auto m = json.document.MemberBegin(); m != json.document.MemberEnd(); ++m) {
+                estimate += m->name.GetStringLength() + 64 + (m->value.IsString() ? m->value.GetStringLength() : 0);
+            }
+        }
+        rapidjson::StringBuffer buffer(nullptr, estimate);
+        rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(buffer);
+        writer.SetIndent(' ', 4);
+        json.document.Accept(writer);
+        const QvResult layout = layoutLUTMember(std::string_view(buffer.GetString(), buffer.GetSize()), text);
+        if (layout.hasError) {
+            layoutFailed = true;
+            return layout;
+        }
+    }
+    return replacement.replaceWith(text);
 }

@@ -3,7 +3,6 @@
 #include "FileSystem/qvFileSystem.h"
 #include "Manager/twSettingsVocabulary.h"
 #include "TW_Settings_Utils/LutUtility.h"
-#include "TW_Settings_Utils/twFileReplacement.h"
 #include "Utils/qvLogging.h"
 
 #include <cmath>
@@ -275,16 +274,17 @@ void SidecarUtility::setValueAndActiveStateInJson(const qvUtf8String& key, int i
                                                   int typeCode, bool frameLevel, const qvUtf8String& frameKey,
                                                   bool writeActive) {
     if (!json.document.IsObject()) return;
-    // NaN and the infinities have no JSON form, and a writer that met one would
-    // stop in the middle of the file: such a value is not written.
-    if (typeCode == TYPE_FLOAT && !std::isfinite(*static_cast<const float*>(value))) {
-        QV_LOG(QV_LOG_WARN, "Not writing " << key << " : its value is not a finite number");
-        return;
-    }
     if (writeActive) {
         const qvUtf8String activeKey = activeKeyOf(key);
         SidecarUtility::removeAllMembers(json, activeKey.c_str());
         json.addUintToObject(json.document, activeKey.c_str(), flagAt(activeFlags, index) ? 1u : 0u);
+    }
+    // NaN and the infinities have no JSON form, and a writer that met one would
+    // stop in the middle of the file: such a value is not written, and the
+    // document keeps what it held under that key.
+    if (typeCode == TYPE_FLOAT && !std::isfinite(*static_cast<const float*>(value))) {
+        QV_LOG(QV_LOG_WARN, "Not writing " << key << " : its value is not a finite number");
+        return;
     }
     SidecarUtility::removeAllMembers(json, key.c_str());
     if (frameLevel) {
@@ -334,19 +334,16 @@ SidecarUtility::SidecarError SidecarUtility::writeSidecarFromPrefs(const qvUtf8S
     const std::vector<bool> allActive(BRAW_SETTINGS_COUNT, true);
     fillJSONFromSidecarValues(json, prefs.clip, prefs.frame, allActive, false);
 
-    twFileReplacement replacement(path, "sidecar");
-    if (json.writeJSONFile(replacement.tempPath()) != QV_JSON_OK) {
-        QV_LOG(QV_LOG_ERR, "Impossible to write sidecar " << path);
+    // The settings and the LUT's layout go in one replacement of the file.
+    bool layoutFailed = false;
+    const QvResult written = LutUtility::writeSidecar(json, path, lutRemembered, layoutFailed);
+    if (layoutFailed) {
+        QV_LOG(QV_LOG_ERR, "Error while Updating Sidecar Lut : " << written.toString());
         return SIDECAR_WRITE_FAILED;
     }
-    if (replacement.commit().hasError) return SIDECAR_WRITE_FAILED;
-
-    if (lutRemembered) {
-        const QvResult layout = LutUtility::updateSidecarWithGoodLUTSyntax(path, "0");
-        if (layout.hasError) {
-            QV_LOG(QV_LOG_ERR, "Error while Updating Sidecar Lut : " << layout.toString());
-            return SIDECAR_WRITE_FAILED;
-        }
+    if (written.hasError) {
+        QV_LOG(QV_LOG_ERR, "Impossible to write sidecar " << path << " : " << written.toString());
+        return SIDECAR_WRITE_FAILED;
     }
     return SIDECAR_OK;
 }

@@ -78,7 +78,8 @@ public:
                                           const std::vector<bool>& activeFlags, bool writeActive);
 
     // One key and, with `writeActive`, its companion. A float that isn't
-    // finite has no JSON form: the key is then left as it was in the document.
+    // finite has no JSON form: the key is then left as it was in the document
+    // (the companion is written all the same).
     static void setValueAndActiveStateInJson(const qvUtf8String& key, int index, QV_JSON& json,
                                              const std::vector<bool>& activeFlags, const void* value, int typeCode,
                                              bool frameLevel, const qvUtf8String& frameKey, bool writeActive);

@@ -125,6 +125,10 @@ std::string loadFile(const qvUtf8String& path, bool* ok) {
     std::ifstream in(path.Str(), std::ios::in | std::ios::binary);
     if (!in.is_open()) return std::string();
     std::string bytes;
+    // One allocation for the usual case; the loop below still reads a file
+    // that grows meanwhile.
+    const int64_t expected = getFileSize(path);
+    if (expected > 0) bytes.reserve(static_cast<size_t>(expected));
     char chunk[65536];
     while (in.read(chunk, sizeof(chunk)) || in.gcount() > 0) {
         bytes.append(chunk, static_cast<size_t>(in.gcount()));

@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # The main job: installs what is missing, builds, and shows the product at work.
 # A demo clip made by the reference decoder's clip writer is imported by the
-# plug-in inside the command-line host, which prints what a host learns of it,
-# then its audio is read into a WAV file. Everything the plug-in writes (log,
-# options, cache) goes to build/demo/, never to the real home folder.
+# plug-in inside the command-line host, which prints what a host learns of it;
+# its audio is read into a WAV file, a handful of its frames are rendered to
+# images with a contact sheet, and a second of it is played back the way a host
+# plays. Everything the plug-in writes (log, options, cache) goes to
+# build/demo/, never to the real home folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup-deps.sh
@@ -38,4 +40,9 @@ host=(build/bin/tarnwick-host --home "$demo/home" --system-root "$demo/root")
 echo
 "${host[@]}" audio "$clip" "$demo/demo.wav"
 echo
+"${host[@]}" render "$clip" "$demo/frames" --frames 0,6,12,18,24,30,36,42 --size half
+echo
+"${host[@]}" play "$clip" --frames 0-23 --ahead 4
+echo
 echo "Demo clip: $clip   its audio: $demo/demo.wav"
+echo "Its frames: $demo/frames/frame_*.png   contact sheet: $demo/frames/contact-sheet.png"

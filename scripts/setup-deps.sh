@@ -8,6 +8,8 @@ packages=(
   clang libclang-rt-14-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   rapidjson-dev libsimpleini-dev
+  libcli11-dev libsndfile1-dev
+  libopenimageio-dev ffmpeg
   qt6-base-dev
 )
 

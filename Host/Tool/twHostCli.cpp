@@ -1,13 +1,13 @@
 #include "twHostCli.h"
 
+#include "twHostCommand.h"
 #include "twSimNames.h"
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <climits>
-#include <cstdlib>
 #include <iostream>
+#include <sstream>
 #include <sys/stat.h>
 
 #ifndef TW_PLUGIN_RELATIVE_PATH
@@ -17,62 +17,6 @@
 namespace {
 
 const char* const kProgram = "tarnwick-host";
-
-bool TakesValue(const std::string& option) {
-    return option == "--plugin" || option == "--app" || option == "--version" || option == "--interface" ||
-           option == "--home" || option == "--system-root" || option == "--clip" || option == "--start" ||
-           option == "--count";
-}
-
-bool ParseCount(const std::string& option, const std::string& value, long long& out, std::string& error) {
-    char* end = nullptr;
-    errno = 0;
-    const long long v = std::strtoll(value.c_str(), &end, 10);
-    if (value.empty() || *end != 0 || errno != 0 || v < 0) {
-        error = "bad value '" + value + "' for " + option + " (expected a count of sample frames)";
-        return false;
-    }
-    out = v;
-    return true;
-}
-
-bool ApplyOption(const std::string& option, const std::string& value, twHostCliOptions& o, std::string& error) {
-    if (option == "--plugin") {
-        o.pluginPath = value;
-    } else if (option == "--app") {
-        if (!o.identity.setApp(value)) {
-            error = "unknown application '" + value + "' (premiere, ame or aftereffects)";
-            return false;
-        }
-    } else if (option == "--version") {
-        if (!o.identity.setVersion(value)) {
-            error = "bad version '" + value + "' (expected X.Y.Z)";
-            return false;
-        }
-    } else if (option == "--interface") {
-        char* end = nullptr;
-        const long v = std::strtol(value.c_str(), &end, 10);
-        if (value.empty() || *end != 0 || v < 1 || v > 1000) {
-            error = "bad interface version '" + value + "'";
-            return false;
-        }
-        o.identity.interfaceVersion = static_cast<csSDK_int32>(v);
-    } else if (option == "--home") {
-        o.home = value;
-        o.useTestRoots = true;
-    } else if (option == "--system-root") {
-        o.systemRoot = value;
-        o.useTestRoots = true;
-    } else if (option == "--clip") {
-        o.clip = value;
-    } else if (option == "--start") {
-        return ParseCount(option, value, o.audioStart, error);
-    } else if (option == "--count") {
-        o.hasAudioCount = true;
-        return ParseCount(option, value, o.audioCount, error);
-    }
-    return true;
-}
 
 bool IsFile(const std::string& path) {
     struct stat st;
@@ -104,125 +48,73 @@ void PrintEvents(const twSimHost& host, std::ostream& out) {
     }
 }
 
-}  // namespace
-
-bool twHostParseArguments(int argc, const char* const* argv, twHostCliOptions& o, std::string& error) {
-    for (int i = 1; i < argc; ++i) {
-        std::string arg = argv[i];
-        if (arg == "-h" || arg == "--help") {
-            o.help = true;
-            continue;
-        }
-        if (arg == "--trace") {
-            o.trace = true;
-            continue;
-        }
-        if (arg.size() > 2 && arg.compare(0, 2, "--") == 0) {
-            std::string value;
-            const size_t eq = arg.find('=');
-            const bool inlineValue = eq != std::string::npos;
-            if (inlineValue) {
-                value = arg.substr(eq + 1);
-                arg = arg.substr(0, eq);
-            }
-            if (!TakesValue(arg)) {
-                error = "unknown option '" + arg + "'";
-                return false;
-            }
-            if (!inlineValue) {
-                if (i + 1 >= argc) {
-                    error = "option '" + arg + "' needs a value";
-                    return false;
-                }
-                value = argv[++i];
-            }
-            if (!ApplyOption(arg, value, o, error)) return false;
-            continue;
-        }
-        if (arg.size() > 1 && arg[0] == '-') {
-            error = "unknown option '" + arg + "'";
-            return false;
-        }
-        if (o.command.empty()) o.command = arg;
-        else o.arguments.push_back(arg);
-    }
-    return true;
+std::string Footer() {
+    std::ostringstream s;
+    s << "Commands have their own options: " << kProgram << " COMMAND --help (or " << kProgram
+      << " help COMMAND).\n"
+      << "Without --plugin the staged build next to this program is used:\n"
+      << "  ../stage/" << TW_PLUGIN_RELATIVE_PATH << "\n"
+      << "\n"
+      << "Exit codes: 0 success; 1 the plug-in failed or left memory, frames or suites\n"
+      << "behind; 2 bad command line; 3 the plug-in could not be loaded or initialised.\n"
+      << "\n"
+      << "Examples:\n"
+      << "  " << kProgram << " --app ame --version 24.1.0 --home /tmp/h catalogue\n"
+      << "  " << kProgram << " --home /tmp/h info clip.braw\n"
+      << "  " << kProgram << " --home /tmp/h audio clip.braw clip.wav --start 48000 --count 96000";
+    return s.str();
 }
 
-void twHostPrintHelp(std::ostream& out) {
-    out << "Usage: " << kProgram << " [options] <command>\n"
-        << "\n"
-        << "Loads the Tarnwick importer plug-in into a simulated MediaCore host and drives\n"
-        << "it the way a host application does: dlopen, imInit, the selectors of the\n"
-        << "command, imShutdown. Afterwards the host reports what the plug-in left behind.\n"
-        << "\n"
-        << "Commands:\n";
-    for (const auto& c : twHostCommands()) {
-        std::string usage = c.usage;
-        if (usage.size() < 28) usage.resize(28, ' ');
-        out << "  " << usage << " " << c.summary << "\n";
-    }
-    out << "  " << std::string("help").append(24, ' ') << " " << "show this text\n"
-        << "\n"
-        << "Options:\n"
-        << "  --plugin PATH        the importer plug-in; by default the staged build next to\n"
-        << "                       this program:\n"
-        << "                       ../stage/" << TW_PLUGIN_RELATIVE_PATH << "\n"
-        << "  --app NAME           the host application: premiere (default), ame, aftereffects\n"
-        << "  --version X.Y.Z      the host application's version (default 24.0.0)\n"
-        << "  --interface N        the importer interface version handed to the plug-in\n"
-        << "                       (default " << IMPORTMOD_VERSION << ")\n"
-        << "  --home DIR           the home folder the plug-in uses instead of the real one\n"
-        << "  --system-root DIR    a folder put in front of the plug-in's fixed system folders\n"
-        << "  --start N            audio: the first sample frame to read (default 0)\n"
-        << "  --count N            audio: how many sample frames to read (default: to the end)\n"
-        << "  --trace              list every selector sent and its result\n"
-        << "  -h, --help           show this text\n"
-        << "\n"
-        << "Exit codes: 0 success; 1 the plug-in failed or left memory, frames or suites\n"
-        << "behind; 2 bad command line; 3 the plug-in could not be loaded or initialised.\n"
-        << "\n"
-        << "Examples:\n"
-        << "  " << kProgram << " --app ame --version 24.1.0 --home /tmp/h catalogue\n"
-        << "  " << kProgram << " --home /tmp/h info clip.braw\n"
-        << "  " << kProgram << " --home /tmp/h audio clip.braw clip.wav --start 48000 --count 96000\n";
+// The options every command shares. The values are checked as they are read,
+// so a bad one is reported with the command line's other mistakes.
+void AddProgramOptions(CLI::App& app, twHostCliOptions& o) {
+    app.add_option("--plugin", o.pluginPath, "the importer plug-in (default: the staged build, see below)")
+        ->type_name("PATH");
+    app.add_option_function<std::string>(
+           "--app",
+           [&o](const std::string& name) {
+               if (!o.identity.setApp(name))
+                   throw CLI::ValidationError("--app", "unknown application '" + name + "' (premiere, ame or aftereffects)");
+           },
+           "the host application: premiere (default), ame, aftereffects")
+        ->type_name("NAME");
+    app.add_option_function<std::string>(
+           "--version",
+           [&o](const std::string& text) {
+               if (!o.identity.setVersion(text))
+                   throw CLI::ValidationError("--version", "bad version '" + text + "' (expected X.Y.Z)");
+           },
+           "the host application's version (default 24.0.0)")
+        ->type_name("X.Y.Z");
+    app.add_option("--interface", o.identity.interfaceVersion,
+                   "the importer interface version handed to the plug-in (default " +
+                       std::to_string(IMPORTMOD_VERSION) + ")")
+        ->type_name("N")
+        ->check(twHostWholeNumber(1, 1000, "a version from 1 to 1000"));
+    app.add_option("--home", o.home, "the home folder the plug-in uses instead of the real one")->type_name("DIR");
+    app.add_option("--system-root", o.systemRoot, "a folder put in front of the plug-in's fixed system folders")
+        ->type_name("DIR");
+    app.add_flag("--trace", o.trace, "list every selector sent and its result");
 }
 
-std::string twHostDefaultPluginPath() {
-    const std::string folder = ExecutableFolder();
-    const std::string staged = folder + "/../stage/" + TW_PLUGIN_RELATIVE_PATH;
-    const std::string installed = folder + "/../" + TW_PLUGIN_RELATIVE_PATH;
-    if (!IsFile(staged) && IsFile(installed)) return installed;
-    return staged;
+struct CommandSlot {
+    CLI::App* app;
+    std::unique_ptr<twHostCommand> command;
+};
+
+void PrintUsageError(std::ostream& err, const std::string& message, const CLI::App* command) {
+    err << kProgram << ": " << message << "\nTry '" << kProgram << " "
+        << (command ? command->get_name() + " " : std::string()) << "--help'.\n";
 }
 
-int twHostMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
-    twHostCliOptions options;
-    std::string error;
-    if (!twHostParseArguments(argc, argv, options, error)) {
-        err << kProgram << ": " << error << "\nTry '" << kProgram << " --help'.\n";
-        return kExitUsage;
-    }
-    if (options.help || options.command == "help") {
-        twHostPrintHelp(out);
-        return kExitOk;
-    }
-    if (options.command.empty()) {
-        err << kProgram << ": no command given\nTry '" << kProgram << " --help'.\n";
-        return kExitUsage;
-    }
-    const twHostCommand* command = nullptr;
-    for (const auto& c : twHostCommands())
-        if (options.command == c.name) command = &c;
-    if (!command) {
-        err << kProgram << ": unknown command '" << options.command << "'\nTry '" << kProgram << " --help'.\n";
-        return kExitUsage;
-    }
+// The plug-in loaded, initialised, the command run, shut down, and the host's
+// report of what was left behind.
+int RunSession(twHostCliOptions& options, twHostCommand& command, std::ostream& data, std::ostream& err) {
+    std::ostream& out = command.writesDataToStandardOutput() ? err : data;
     if (options.pluginPath.empty()) options.pluginPath = twHostDefaultPluginPath();
-
     twSimHostConfig config;
     config.identity = options.identity;
-    config.useTestRoots = options.useTestRoots;
+    config.useTestRoots = !options.home.empty() || !options.systemRoot.empty();
     config.testHome = options.home;
     config.testSystemRoot = options.systemRoot;
     twSimHost host(config);
@@ -242,8 +134,8 @@ int twHostMain(int argc, const char* const* argv, std::ostream& out, std::ostrea
         return kExitLoad;
     }
 
-    twHostSession session{host, options, out, err};
-    int code = command->run(session);
+    twHostSession session{host, options, data, err};
+    int code = command.run(session);
 
     const csSDK_int32 shutdownResult = host.shutdown();
     out << "imShutdown: " << shutdownResult << "\n";
@@ -258,4 +150,90 @@ int twHostMain(int argc, const char* const* argv, std::ostream& out, std::ostrea
         if (code == kExitOk) code = kExitPluginFailure;
     }
     return code;
+}
+
+}  // namespace
+
+std::string twHostDefaultPluginPath() {
+    const std::string folder = ExecutableFolder();
+    const std::string staged = folder + "/../stage/" + TW_PLUGIN_RELATIVE_PATH;
+    const std::string installed = folder + "/../" + TW_PLUGIN_RELATIVE_PATH;
+    if (!IsFile(staged) && IsFile(installed)) return installed;
+    return staged;
+}
+
+int twHostMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+    twHostCliOptions options;
+    CLI::App app("Loads the Tarnwick importer plug-in into a simulated MediaCore host and drives\n"
+                 "it the way a host application does: dlopen, imInit, the selectors of the\n"
+                 "command, imShutdown. Afterwards the host reports what the plug-in left behind.",
+                 kProgram);
+    // The program's options may also follow the command and its arguments.
+    app.fallthrough();
+    app.footer(Footer());
+    AddProgramOptions(app, options);
+
+    const std::string commandFooter =
+        std::string("The program's own options may come before or after the command: see ") + kProgram + " --help.";
+    std::vector<CommandSlot> commands;
+    for (const twHostCommandEntry& entry : twHostRegisteredCommands()) {
+        CommandSlot slot{app.add_subcommand(entry.name, entry.summary), entry.make()};
+        slot.app->footer(commandFooter);
+        slot.command->addOptions(*slot.app);
+        commands.push_back(std::move(slot));
+    }
+    CLI::App* help = app.add_subcommand("help", "show this text, or a command's own with help COMMAND");
+    std::string helpTopic;
+    help->add_option("COMMAND", helpTopic, "the command to explain");
+    help->footer("");
+    // One command a run; this also makes the word after "help" its topic
+    // rather than a second command.
+    app.require_subcommand(0, 1);
+    // A word left over once every command has taken its arguments is reported
+    // below, in words that name it.
+    app.allow_extras();
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        // The help of the command it follows, if any.
+        out << app.help();
+        return kExitOk;
+    } catch (const CLI::ParseError& e) {
+        const auto chosen = app.get_subcommands();
+        PrintUsageError(err, e.what(), chosen.empty() || chosen.front() == help ? nullptr : chosen.front());
+        return kExitUsage;
+    }
+
+    if (help->parsed()) {
+        if (helpTopic.empty()) {
+            out << app.get_formatter()->make_help(&app, kProgram, CLI::AppFormatMode::Normal);
+            return kExitOk;
+        }
+        for (const CommandSlot& slot : commands) {
+            if (slot.app->get_name() == helpTopic) {
+                out << slot.app->help(kProgram);
+                return kExitOk;
+            }
+        }
+        PrintUsageError(err, "unknown command '" + helpTopic + "'", nullptr);
+        return kExitUsage;
+    }
+    CommandSlot* chosen = nullptr;
+    for (CommandSlot& slot : commands)
+        if (slot.app->parsed()) chosen = &slot;
+    const std::vector<std::string> extras = app.remaining();
+    if (!extras.empty()) {
+        if (!chosen) {
+            PrintUsageError(err, "unknown command '" + extras.front() + "'", nullptr);
+        } else {
+            std::string words;
+            for (const auto& e : extras) words += (words.empty() ? "'" : ", '") + e + "'";
+            PrintUsageError(err, "unexpected " + words + " after the command's arguments", chosen->app);
+        }
+        return kExitUsage;
+    }
+    if (chosen) return RunSession(options, *chosen->command, out, err);
+    PrintUsageError(err, "no command given", nullptr);
+    return kExitUsage;
 }

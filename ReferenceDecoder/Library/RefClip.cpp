@@ -181,9 +181,14 @@ HRESULT RefClip::CloneClipProcessingAttributes(IBlackmagicRawClipProcessingAttri
     return S_OK;
 }
 
-HRESULT RefClip::GetMulticardFileCount(uint32_t*)
+HRESULT RefClip::GetMulticardFileCount(uint32_t* multicardFileCount)
 {
-    return E_NOTIMPL;
+    if (!multicardFileCount)
+        return E_POINTER;
+    if (HRESULT hr = m_hooks.enter("Clip.GetMulticardFileCount"); hr != S_OK)
+        return hr;
+    *multicardFileCount = m_data->model()->multicardFileCount;
+    return S_OK;
 }
 
 HRESULT RefClip::IsMulticardFilePresent(uint32_t, bool*)

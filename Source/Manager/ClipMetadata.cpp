@@ -2,6 +2,7 @@
 // as texts, the audio figures, and the labels the host's panels show.
 
 #include "Manager/Clip.h"
+#include "Manager/twVariant.h"
 
 #include "Utils/qvLogging.h"
 #include "Utils/qvUtils.h"
@@ -17,20 +18,6 @@ namespace {
 constexpr size_t TW_METADATA_MAX_STRING_BYTES = 100;
 constexpr long TW_METADATA_MAX_ARRAY_SPAN = 24;
 const char* const TW_METADATA_TOO_BIG = "Too big to display";
-
-// Clears the value on every way out of a reading, so that the library gets
-// back the strings and arrays it put into it.
-class ScopedVariant {
-public:
-    ScopedVariant() { VariantInit(&m_value); }
-    ~ScopedVariant() { VariantClear(&m_value); }
-    ScopedVariant(const ScopedVariant&) = delete;
-    ScopedVariant& operator=(const ScopedVariant&) = delete;
-    Variant& get() { return m_value; }
-
-private:
-    Variant m_value;
-};
 
 void writeArrayElement(std::ostringstream& text, BlackmagicRawVariantType type, const uint8_t* data, long index) {
     switch (type) {

@@ -7,6 +7,9 @@
 
 #include "Manager/Clip.h"
 #include "Manager/Manager.h"
+#include "Manager/Request_FirstFrameInfos.h"
+#include "Manager/SourceSettingsInitialization.h"
+#include "Manager/twBufferManager.h"
 #include "Manager/twSettingsInitData.h"
 #include "Utils/qvLogging.h"
 
@@ -170,11 +173,21 @@ QvResult qvBRAW_Manager::getAllDataFromClip(bool& generated, uint64_t id, bool w
         QV_LOCK_TRACED(clip->m_bmClipMutex);
         clip->m_sourceSettingsInitData = data;
         clip->m_bmClipMutex.unlock();
+        const QvResult clipFacts = SourceSettingsInitialization::initClipSourceSettingsInitData(*clip, m_codec);
+        if (clipFacts.hasError) return clipFacts;
     }
 
     qvBRAW_MetadataList frameMetadata;
     const QvResult probed = probeFirstFrame(clip, needSettings, needMetadata, frameMetadata);
-    if (probed.hasError) return probed;
+    if (probed.hasError) {
+        // The frame's facts are missing: the record must not be seen half filled.
+        if (needSettings) {
+            QV_LOCK_TRACED(clip->m_bmClipMutex);
+            if (clip->m_sourceSettingsInitData == data) clip->m_sourceSettingsInitData.reset();
+            clip->m_bmClipMutex.unlock();
+        }
+        return probed;
+    }
 
     QV_LOG(QV_LOG_INFO, "Processing First Frame done");
     if (needMetadata) {
@@ -186,18 +199,35 @@ QvResult qvBRAW_Manager::getAllDataFromClip(bool& generated, uint64_t id, bool w
         clip->m_metadata = std::move(metadata);
         clip->m_bmClipMutex.unlock();
     }
+    if (needSettings) data->ready = true;
     QV_LOG(QV_LOG_INFO, "Initializing ClipSourceSettingsInitData done !");
     generated = true;
     return QvResult();
 }
 
-// Seam: the decode of the clip's first frame (the settings data's frame facts
-// from the clip and its first frame, and the frame's own metadata) comes with
-// the first-frame request. Until then nothing is decoded: the settings data
-// keeps its defaults, not ready, the frame adds no metadata, and the probe
-// succeeds, so that the clip's own and audio metadata are gathered all the same.
-QvResult qvBRAW_Manager::probeFirstFrame(const std::shared_ptr<qvBRAW_Clip>& /*clip*/, bool /*needSettings*/,
-                                         bool /*needMetadata*/, qvBRAW_MetadataList& frameMetadata) {
+// The clip's first frame goes through the queue like any frame, but its read
+// stage ends the request: the frame is read, never decoded.
+QvResult qvBRAW_Manager::probeFirstFrame(const std::shared_ptr<qvBRAW_Clip>& clip, bool needSettings,
+                                         bool needMetadata, qvBRAW_MetadataList& frameMetadata) {
     frameMetadata.clear();
+    auto request = std::make_shared<qvBRAW_Request_FirstFrameInfos>();
+    request->m_readFrameAttributes = needSettings;
+    request->m_readMetadata = needMetadata;
+    // Always the CPU resource, whatever pipeline the codec runs on.
+    auto* buffers = new twBufferManager(m_resourceManager, m_manualDecoderFlow1, m_manualDecoderFlow2,
+                                        blackmagicRawResourceTypeBufferCPU, false, nullptr, nullptr);
+    const QvResult setup = request->Setup(clip, buffers);
+    if (setup.hasError) {
+        // A request that never reaches the queue ends here.
+        request->m_finished = true;
+        return setup;
+    }
+
+    ProcessFrameSync(request);
+    if (request->m_errorCode != 0) {
+        QV_LOG(QV_LOG_ERR, request->logPrefix().Str() << "First frame failed : " << request->m_errorMsg.Str());
+        return QvResult("Error happened ! Impossible to call initClipSourceSettingsInitData !");
+    }
+    if (request->m_metadataDone) frameMetadata = std::move(request->m_metadata);
     return QvResult();
 }

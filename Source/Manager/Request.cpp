@@ -267,7 +267,9 @@ void qvBRAW_Request::DrawDonkeyEars() {}
 
 void qvBRAW_Request::FinishImageBuffer() {
     void* buffer = m_bufferManager ? m_bufferManager->m_finalImageBuffer : nullptr;
-    if (buffer == nullptr || m_rowBytes < 1 || m_imageEnabled) return;
+    // Only a request made without the library: a frame past the clip's end
+    // with the library present is left as it is.
+    if (m_BMInit || buffer == nullptr || m_rowBytes < 1 || m_imageEnabled) return;
     QV_LOG(QV_LOG_INFO, logPrefix().Str() << "m_BMInit false : displaying mono color image");
     std::memset(buffer, 31, static_cast<size_t>(m_height) * static_cast<size_t>(m_rowBytes));
 }

@@ -3,6 +3,7 @@
 #include "_qvBRAW_Importer/Audio.h"
 #include "_qvBRAW_Importer/Globals.h"
 #include "_qvBRAW_Importer/Handlers.h"
+#include "_qvBRAW_Importer/PPixFactory.h"
 #include "_qvBRAW_Importer/PrivateData.h"
 #include "_qvBRAW_Importer/Utils.h"
 #include "FileSystem/qvFileSystem.h"
@@ -359,8 +360,7 @@ int SDKGetInfo8(imStdParms* stdParms, imFileAccessRec8* fileAccess, imFileInfoRe
         privateData->importerID = fileInfo->vidInfo.importerID;
         privateData->frameRate = 1.0;
         int result = TWI_PrivateData_AcquireSuites(stdParms, privateData);
-        // Seam: the PPix factory takes the first creator suite it is offered,
-        // once it exists.
+        if (g_PPixFactory) g_PPixFactory->offerCreatorSuite(privateData->ppixCreatorSuite);
         privateData->host = GetHostPP_(privateData->appInfoSuite);
         privateData->hasClipInfo = false;
 

@@ -1,4 +1,5 @@
 #include "_qvBRAW_Importer/Globals.h"
+#include "_qvBRAW_Importer/PPixFactory.h"
 
 #include "Manager/Instance.h"
 #include "Manager/Manager.h"
@@ -26,6 +27,9 @@ void TWI_DestroyGlobalManager() {
     Global_Manager = nullptr;
 }
 
-// Seams: the PPix factory lands later; until then its global stays null.
-void TWI_CreatePPixFactory() {}
-void TWI_DestroyPPixFactory() {}
+void TWI_CreatePPixFactory() { g_PPixFactory = new qvPPixFactory(); }
+
+void TWI_DestroyPPixFactory() {
+    delete g_PPixFactory;
+    g_PPixFactory = nullptr;
+}

@@ -3,6 +3,8 @@
 #include <sys/wait.h>
 
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 
 namespace twtest {
 
@@ -14,8 +16,10 @@ std::string Quote(const std::string& s) {
 
 bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
-ToolRun RunTool(const std::string& home, const std::string& arguments) {
-    const std::string command = "HOME=" + Quote(home) + " " + Quote(TW_HOST_TOOL) + " " + arguments + " 2>&1";
+namespace {
+
+ToolRun Run(const std::string& home, const std::string& arguments, const std::string& errorRedirect) {
+    const std::string command = "HOME=" + Quote(home) + " " + Quote(TW_HOST_TOOL) + " " + arguments + " " + errorRedirect;
     ToolRun run;
     FILE* pipe = popen(command.c_str(), "r");
     if (!pipe) return run;
@@ -24,6 +28,19 @@ ToolRun RunTool(const std::string& home, const std::string& arguments) {
     while ((n = fread(buffer, 1, sizeof(buffer), pipe)) > 0) run.output.append(buffer, n);
     const int status = pclose(pipe);
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return run;
+}
+
+}  // namespace
+
+ToolRun RunTool(const std::string& home, const std::string& arguments) { return Run(home, arguments, "2>&1"); }
+
+ToolRun RunToolSeparately(const std::string& home, const std::string& arguments) {
+    const std::string errors = home + "/tool-errors.txt";
+    ToolRun run = Run(home, arguments, "2>" + Quote(errors));
+    std::ifstream in(errors, std::ios::binary);
+    run.errors.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    std::remove(errors.c_str());
     return run;
 }
 

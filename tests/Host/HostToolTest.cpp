@@ -24,16 +24,49 @@ TEST(HostTool, HelpAndBadCommandLines) {
     twtest::TempFolder folder;
     const ToolRun help = Tool("--help", folder);
     EXPECT_EQ(help.exitCode, 0);
-    for (const char* part : {"Usage: tarnwick-host", "catalogue", "--plugin PATH", "--app NAME", "--version X.Y.Z",
-                             "--home DIR", "--system-root DIR", "Exit codes"})
+    for (const char* part : {"Usage: tarnwick-host", "catalogue", "info", "audio", "--plugin PATH", "--app NAME",
+                             "--version X.Y.Z", "--home DIR", "--system-root DIR", "Exit codes"})
         EXPECT_TRUE(Contains(help.output, part)) << part;
     EXPECT_EQ(Tool("help", folder).output, help.output);
 
-    for (const char* bad : {"", "--bogus catalogue", "--app photoshop catalogue", "--version 1.x catalogue",
-                            "--interface zero catalogue", "catalogue --plugin", "frobnicate"}) {
-        const ToolRun run = Tool(bad, folder);
-        EXPECT_EQ(run.exitCode, 2) << bad;
-        EXPECT_TRUE(Contains(run.output, "Try 'tarnwick-host --help'")) << bad << ": " << run.output;
+    // A command's help holds its own options, not the program's nor another command's.
+    const ToolRun info = Tool("info --help", folder);
+    EXPECT_EQ(info.exitCode, 0);
+    EXPECT_TRUE(Contains(info.output, "Usage: tarnwick-host info [OPTIONS] CLIP")) << info.output;
+    for (const char* foreign : {"--plugin", "--start", "--clip FILE", "Subcommands"})
+        EXPECT_FALSE(Contains(info.output, foreign)) << foreign << "\n" << info.output;
+    const ToolRun audio = Tool("audio --help", folder);
+    for (const char* own : {"CLIP", "OUT.wav", "--start N", "--count N"})
+        EXPECT_TRUE(Contains(audio.output, own)) << own << "\n" << audio.output;
+    EXPECT_EQ(Tool("help audio", folder).output, audio.output);
+    EXPECT_TRUE(Contains(Tool("catalogue -h", folder).output, "--clip FILE"));
+
+    // Each mistake is named, with the help to read next.
+    const struct {
+        const char* arguments;
+        const char* message;
+    } bad[] = {
+        {"", "no command given\nTry 'tarnwick-host --help'."},
+        {"--bogus catalogue", "Try 'tarnwick-host catalogue --help'."},
+        {"--app photoshop catalogue", "unknown application 'photoshop'"},
+        {"--version 1.x catalogue", "bad version '1.x'"},
+        {"--interface zero catalogue", "bad value 'zero'"},
+        {"catalogue --plugin", "--plugin"},
+        {"frobnicate", "unknown command 'frobnicate'\nTry 'tarnwick-host --help'."},
+        {"help frobnicate", "unknown command 'frobnicate'"},
+        {"info", "CLIP is required\nTry 'tarnwick-host info --help'."},
+        {"info a.braw b.braw", "unexpected 'b.braw'"},
+        {"audio a.braw b.wav --count x", "--count: bad value 'x'"},
+        {"audio a.braw b.wav --start -3", "--start: bad value '-3'"},
+        {"audio a.braw", "OUT is required"},
+    };
+    for (const auto& b : bad) {
+        const ToolRun run = Tool(b.arguments, folder);
+        EXPECT_EQ(run.exitCode, 2) << b.arguments;
+        EXPECT_TRUE(Contains(run.output, std::string("tarnwick-host: ")) && Contains(run.output, b.message))
+            << b.arguments << ": " << run.output;
+        // Nothing is loaded for a command line that is wrong.
+        EXPECT_FALSE(Contains(run.output, "imInit")) << b.arguments;
     }
 }
 

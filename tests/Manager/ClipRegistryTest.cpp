@@ -10,6 +10,9 @@
 #include "twImporterSharedPrefs/twImporterSettingsInitData.h"
 
 #include <filesystem>
+#include <map>
+#include <mutex>
+#include <vector>
 
 namespace {
 
@@ -132,14 +135,23 @@ TEST_F(ClipRegistry, AFileRemovedStaysRegisteredAndIsReloadedOnceRestored) {
     EXPECT_EQ(m_manager->GetClipsCount(), 1u);
 }
 
-TEST_F(ClipRegistry, SettingsDataAndMetadataAreGatheredOnce) {
+TEST_F(ClipRegistry, SettingsDataAndMetadataAreGatheredOnceByOneReadOfTheFirstFrame) {
     twref::RefClipModel model = twref::RefClipWriter::makeClipWithAudio(64, 36, 24.0f, 4, 2, 48000, 16);
     model.metadata.clear();
     model.setMetadata("camera_type", RefValue::string("Reference Camera 6K"));
     model.setMetadata("iso", RefValue::u32(800));
+    model.frameMetadata.clear();
+    model.setFrameMetadata("shutter_value", RefValue::string("180\xC2\xB0"));
     uint64_t id = 0;
     ASSERT_EQ(m_manager->AddClip(writeClip("data.braw", model), id), 0);
     const auto clip = m_manager->GetClip(id);
+
+    std::mutex countsMutex;
+    std::map<std::string, std::vector<uint64_t>> stages;
+    twtest::ScopedStageHook hook([&](const std::string& stage, uint64_t frame, qvBRAW_Request*) {
+        std::lock_guard<std::mutex> lock(countsMutex);
+        stages[stage].push_back(frame);
+    });
 
     bool generated = false;
     std::shared_ptr<twSettingsInitData> data = std::make_shared<twImporterSettingsInitData>();
@@ -148,8 +160,12 @@ TEST_F(ClipRegistry, SettingsDataAndMetadataAreGatheredOnce) {
     EXPECT_TRUE(generated);
     EXPECT_EQ(data.get(), given) << "the caller's data becomes the clip's";
     EXPECT_EQ(clip->m_sourceSettingsInitData, data);
+    EXPECT_TRUE(data->ready);
+    EXPECT_EQ(data->isoCount, 16u) << "the frame's facts are in";
+    // The clip's own list, then the first frame's, then the audio figures.
     EXPECT_EQ(clip->m_metadata, (qvBRAW_MetadataList{{"camera_type", "Reference Camera 6K"},
                                                      {"iso", "800"},
+                                                     {"shutter_value", "180\xC2\xB0"},
                                                      {"audioBitDepth", "16"},
                                                      {"audioChannelCount", "2"},
                                                      {"audioSampleRate", "48000"},
@@ -161,6 +177,14 @@ TEST_F(ClipRegistry, SettingsDataAndMetadataAreGatheredOnce) {
     EXPECT_FALSE(generated);
     EXPECT_EQ(second, data);
     EXPECT_TRUE(logged("INFO", "ClipSourceSettingsInitData already exists for this clip !"));
+    {
+        // Two calls, one read of frame 0, and no decode at all.
+        std::lock_guard<std::mutex> lock(countsMutex);
+        EXPECT_EQ(stages["read"], std::vector<uint64_t>{0});
+        EXPECT_TRUE(stages["decode"].empty());
+        EXPECT_TRUE(stages["process"].empty());
+    }
+    EXPECT_EQ(m_manager->GetQueueSizeSafe(), 0u) << "the probe leaves the queue";
 
     // A reload drops both; settings alone are then made without the metadata.
     ASSERT_TRUE(clip->reload(m_manager->m_codec).isOk());

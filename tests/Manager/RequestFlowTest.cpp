@@ -201,6 +201,35 @@ TEST_F(RequestFlow, SettingsRefusedBeforeQueueingEndTheRequestWithCode3AndNothin
     EXPECT_TRUE(tintFrame.untouched());
 }
 
+TEST_F(RequestFlow, AReadOnlyFrameSettingIsPassedOverAndTheOthersStillApply) {
+    RefClipModel readOnlyIso = model();
+    readOnlyIso.frameAttribute(blackmagicRawFrameProcessingAttributeISO)->readOnly = true;
+    std::shared_ptr<qvBRAW_Clip> clip = open(readOnlyIso);
+    TestFrame neutral(kWidth, kHeight, 4, kWidth * 4);
+    TestFrame warm(kWidth, kHeight, 4, kWidth * 4);
+    auto neutralRequest = twtest::makeFlowRequest(*m_manager, clip, 1, QV_PIXEL_FORMAT_BGRA_8_LOW, neutral);
+    auto warmRequest = std::make_shared<FlowRequest>();
+    warmRequest->m_queueID = 1;
+    ASSERT_FALSE(warmRequest->setScaleAndDimensions(clip, kWidth, kHeight, false).hasError);
+    warmRequest->setup(QV_APP_ENUM::QV_APP_PPRO, 1, clip->m_frameCount, clip->m_ID, warm.address(), warm.rowBytes,
+                       QV_PIXEL_FORMAT_BGRA_8_LOW,
+                       new twBufferManager(m_manager->m_resourceManager, m_manager->m_manualDecoderFlow1, nullptr,
+                                           blackmagicRawResourceTypeBufferCPU, true, nullptr, nullptr),
+                       false, clip->m_path, clip);
+    twAttributes prefs;
+    prefs.useClipAndFrameAttributes = true;
+    prefs.frame.iso = 3200;
+    prefs.frame.kelvin = 10000;
+    warmRequest->setClipAndtwFrameAttributesFromPrefs(&prefs, clip, true);
+    ASSERT_EQ(m_manager->ProcessFrameSync(neutralRequest), 0);
+    ASSERT_EQ(m_manager->ProcessFrameSync(warmRequest), 0);
+    EXPECT_EQ(warmRequest->m_errorCode, 0) << warmRequest->m_errorMsg.Str();
+    EXPECT_TRUE(logged("INFO", "Setting ISO Attribute failed but normal : parameter is ReadOnly"));
+    // The white balance reached the picture.
+    EXPECT_NE(neutral.bytes, warm.bytes);
+    EXPECT_EQ(shownFrame(warm), 1);
+}
+
 TEST_F(RequestFlow, ACancelBeforeEachStageEndsTheRequestThereWithoutTouchingTheFrame) {
     std::shared_ptr<qvBRAW_Clip> clip = open(model());
     for (const char* stageName : {"read", "decode", "process"}) {

@@ -2,6 +2,7 @@
 #include "Utils/qvUtils.h"
 
 #include <future>
+#include <sched.h>
 #include <gtest/gtest.h>
 #include <regex>
 #include <thread>
@@ -120,17 +121,26 @@ TEST(Utils, BrowserGoesToTheDesktopLauncher) {
     qvPlatform::SetDesktopLauncher(nullptr);
 }
 
-TEST(UtilsConcurrency, LowPriorityOfAnOrdinaryThreadIsAlreadyTheLowest) {
-    std::promise<void> release;
-    std::shared_future<void> released = release.get_future().share();
-    std::thread worker([released] { released.wait(); });
+TEST(UtilsConcurrency, LowPriorityPutsAnOrdinaryThreadBehindTheOthers) {
+    std::promise<void> lowered;
+    std::shared_future<void> loweredDone = lowered.get_future().share();
+    int policySeenInside = -1;
+    std::thread worker([loweredDone, &policySeenInside] {
+        loweredDone.wait();
+        policySeenInside = sched_getscheduler(0);
+    });
 
-    const QvResult result = qvUtils::setThreadLowPriority(worker);
-    release.set_value();
+    const QvResult first = qvUtils::setThreadLowPriority(worker);
+    const QvResult again = qvUtils::setThreadLowPriority(worker);
+    lowered.set_value();
     worker.join();
 
-    // Ordinary threads share one priority level, which is its own minimum.
-    EXPECT_FALSE(result.hasError);
-    EXPECT_TRUE(result.hasWarning);
-    EXPECT_EQ(result.toString().Str(), "Thread Policy : 0 is already at min value : 0");
+    // The thread itself now runs in the idle class; the caller's own
+    // scheduling is untouched.
+    EXPECT_EQ(policySeenInside, SCHED_IDLE);
+    EXPECT_EQ(sched_getscheduler(0), SCHED_OTHER);
+    EXPECT_FALSE(first.hasError);
+    EXPECT_TRUE(first.hasWarning);
+    EXPECT_EQ(first.toString().Str(), "Thread with Policy " + std::to_string(SCHED_IDLE) + " changed priority from 0 to 0");
+    EXPECT_EQ(again.toString().Str(), "Thread Policy : " + std::to_string(SCHED_IDLE) + " is already at min value : 0");
 }

@@ -6,9 +6,9 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <sched.h>
 
 #include "Platform/qvPlatformFiles.h"
+#include "Platform/qvPlatformThread.h"
 
 namespace qvUtils {
 namespace {
@@ -56,31 +56,29 @@ qvUtf8String intToStringPadding(int value, int width) {
 }
 
 QvResult setThreadLowPriority(pthread_t thread) {
-    int policy = 0;
-    sched_param parameters;
-    memset(&parameters, 0, sizeof(parameters));
-    int error = pthread_getschedparam(thread, &policy, &parameters);
+    qvPlatform::ThreadSchedule before;
+    int error = qvPlatform::GetThreadSchedule(thread, before);
     if (error != 0) {
         return QvResult(qvUtf8String("Failed to set Lowest Priority mode on thread - Error ") + strerror(error));
     }
-    const int lowest = sched_get_priority_min(policy);
-    const int before = parameters.sched_priority;
-    if (before == lowest) {
-        return QvResult("Thread Policy : " + std::to_string(policy) + " is already at min value : " +
-                            std::to_string(before),
+    // An ordinary thread's policy has one priority level, already its minimum:
+    // the platform's lowest schedule for it is a lower class, so that the
+    // thread really runs behind the host's threads.
+    const qvPlatform::ThreadSchedule lowest = qvPlatform::LowestThreadSchedule(before);
+    if (lowest.policy == before.policy && lowest.priority == before.priority) {
+        return QvResult("Thread Policy : " + std::to_string(before.policy) + " is already at min value : " +
+                            std::to_string(before.priority),
                         true);
     }
-    parameters.sched_priority = lowest;
-    error = pthread_setschedparam(thread, policy, &parameters);
+    error = qvPlatform::SetThreadSchedule(thread, lowest);
     if (error != 0) {
         return QvResult(qvUtf8String("Failed to set Lowest Priority mode on thread - Error ") + strerror(error));
     }
-    int policyAfter = policy;
-    sched_param after;
-    memset(&after, 0, sizeof(after));
-    pthread_getschedparam(thread, &policyAfter, &after);
-    return QvResult("Thread with Policy " + std::to_string(policy) + " changed priority from " +
-                        std::to_string(before) + " to " + std::to_string(after.sched_priority),
+    // The policy read back is the one now in force, which the platform may have changed.
+    qvPlatform::ThreadSchedule after = lowest;
+    qvPlatform::GetThreadSchedule(thread, after);
+    return QvResult("Thread with Policy " + std::to_string(after.policy) + " changed priority from " +
+                        std::to_string(before.priority) + " to " + std::to_string(after.priority),
                     true);
 }
 

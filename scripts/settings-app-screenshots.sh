@@ -46,7 +46,7 @@ done
 
 run "open $work/A001_C003.braw
 set frame 6
-set iso 1200
+set iso 1600
 grab $out/settings-app-desktop.png
 press quit"
 echo "Pictures in $out"

@@ -88,9 +88,22 @@ void SettingsPanelTest::showsTheClipsValuesWithinItsLimits() {
     QVERIFY2(session.openClip(roots.writeClip("clip.braw"), error), qPrintable(error));
 
     twSettingsPanel panel;
-    const twSettingLimits limits(session.panelData().get());
+    const std::shared_ptr<twSettingsInitData> data = session.panelData();
+    const twSettingLimits limits(data.get());
+    QVERIFY(limits.fromClip());
     panel.setLimits(limits);
     panel.setValues(session.clipAttributes(), WB_PRESET_AS_SHOT);
+
+    // The clip's own lists and ranges, as the decoder library gave them.
+    QStringList isos;
+    for (uint32_t i = 0; i < data->isoCount; ++i) isos << QString::number(data->isoList[i]);
+    QVERIFY(!isos.isEmpty());
+    QCOMPARE(itemsOf(control<QComboBox>(panel, BRAW_SETTING_ISO)), isos);
+    QCOMPARE(control<QComboBox>(panel, BRAW_SETTING_GAMMA)->count(), static_cast<int>(data->gammaCount));
+    QCOMPARE(control<QSpinBox>(panel, BRAW_SETTING_COLOR_TEMP)->minimum(), static_cast<int>(data->colorTempMin));
+    QCOMPARE(control<QSpinBox>(panel, BRAW_SETTING_COLOR_TEMP)->maximum(), static_cast<int>(data->colorTempMax));
+    QCOMPARE(control<QSpinBox>(panel, BRAW_SETTING_TINT)->minimum(), static_cast<int>(data->tintMin));
+    QCOMPARE(control<QComboBox>(panel, BRAW_SETTING_ISO)->currentText(), QString::number(data->attributes.frame.iso));
 
     for (const auto& entry : s_brawSettingsInfosMap) {
         const twSettingLimit& limit = limits[entry.first];

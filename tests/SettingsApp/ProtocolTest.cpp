@@ -181,13 +181,13 @@ void SettingsAppProtocolTest::preferencesOpenAtTheHostsTabAndWriteTheOptions() {
 void SettingsAppProtocolTest::desktopModeSavesTheSidecar() {
     twtest::AppTestRoots roots;
     const QString clip = roots.writeClip("clip.braw");
-    const Run run = runApp(roots, {}, "open " + clip + "\nset exposure 1.25\nset iso 1200\npress save\npress quit\n");
+    const Run run = runApp(roots, {}, "open " + clip + "\nset exposure 1.25\nset iso 1600\npress save\npress quit\n");
     QVERIFY2(run.exitCode == 0, qPrintable(run.err));
     twAttributes saved;
     QCOMPARE(SidecarUtility::fillPrefsFromSidecar(qvUtf8String(roots.path("clip.sidecar").toStdString()), saved),
              SidecarUtility::SIDECAR_OK);
     QCOMPARE(saved.frame.exposure, 1.25f);
-    QCOMPARE(saved.frame.iso, 1200u);
+    QCOMPARE(saved.frame.iso, 1600u);
 }
 
 QTEST_GUILESS_MAIN(SettingsAppProtocolTest)

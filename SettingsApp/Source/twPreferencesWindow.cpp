@@ -3,6 +3,7 @@
 #include "twAppEnvironment.h"
 #include "twAutomation.h"
 #include "twClipSession.h"
+#include "twDialogLayout.h"
 
 #include "Config/qvConfig.h"
 #include "Utils/qvLogging.h"
@@ -10,7 +11,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
-#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -49,15 +49,7 @@ twPreferencesWindow::twPreferencesWindow(QWidget* parent) : QDialog(parent), m_t
     m_tabs->addTab(makePresetsPage(), tr("&Presets"));
     m_tabs->addTab(makeAboutPage(), tr("A&bout"));
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setObjectName("ok");
-    buttons->button(QDialogButtonBox::Cancel)->setObjectName("cancel");
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(m_tabs, 1);
-    layout->addWidget(buttons);
+    twLayOutOkCancelDialog(this, m_tabs);
     resize(760, 640);
 }
 

@@ -2,16 +2,14 @@
 
 #include "twAppEnvironment.h"
 #include "twAutomation.h"
+#include "twDialogLayout.h"
 
 #include "FileSystem/qvFileSystem.h"
 #include "Manager/twSettingsVocabulary.h"
 #include "TW_Settings_Utils/LutUtility.h"
 #include "TW_Settings_Utils/TW_Presets.h"
 
-#include <QDialogButtonBox>
 #include <QFileInfo>
-#include <QPushButton>
-#include <QVBoxLayout>
 
 namespace {
 
@@ -33,14 +31,7 @@ twSourceSettingsDialog::twSourceSettingsDialog(twClipSession& session, int host,
     const QString from = hostName(host);
     setWindowTitle(from.isEmpty() ? tr("%1 - Source Settings - Tarnwick").arg(clip)
                                   : tr("%1 - Source Settings for %2 - Tarnwick").arg(clip, from));
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setObjectName("ok");
-    buttons->button(QDialogButtonBox::Cancel)->setObjectName("cancel");
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(m_editor, 1);
-    layout->addWidget(buttons);
+    twLayOutOkCancelDialog(this, m_editor);
     resize(1180, 760);
 }
 

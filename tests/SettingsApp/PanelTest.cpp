@@ -76,6 +76,8 @@ private slots:
     void settingsTheClipFixesCannotChange();
     void whiteBalancePresetsAndTheCustomCurve();
     void previewFollowsTheEdits();
+    void presetsApplyOnlyTheirActiveSettings();
+    void keyboardReachesEveryOpenSettingInOrder();
     void sourceSettingsCancelWritesNothingAndOkWritesTheResult();
     void preferencesCancelWritesNothingAndOkWritesOptionsAndPresets();
     void presetSlotsChangeOnlyOnApply();
@@ -262,6 +264,52 @@ void SettingsPanelTest::previewFollowsTheEdits() {
     QVERIFY(editor.isModified());
 }
 
+void SettingsPanelTest::presetsApplyOnlyTheirActiveSettings() {
+    twtest::AppTestRoots roots;
+    twClipSession session;
+    QString error;
+    QVERIFY2(session.openClip(roots.writeClip("clip.braw"), error), qPrintable(error));
+    const twAttributes clip = session.clipAttributes();
+
+    TW_Preset preset;
+    QVERIFY(!TW_Preset::fromSlot(2, preset).hasError);
+    preset.setName(qvUtf8String("Push one stop"));
+    twFrameAttributes frame = clip.frame;
+    frame.exposure = 1.0f;
+    frame.kelvin = 2000;
+    std::vector<bool> active(BRAW_SETTINGS_COUNT, false);
+    active[BRAW_SETTING_EXPOSURE] = true;
+    preset.setValues(clip.clip, frame, WB_PRESET_NONE, active);
+    QVERIFY(!preset.save().hasError);
+
+    twClipEditor editor(session);
+    editor.start(clip, WB_PRESET_AS_SHOT);
+    auto* list = editor.findChild<QComboBox*>("presetList");
+    QCOMPARE(itemsOf(list), QStringList({"#3 - Push one stop"}));
+    editor.findChild<QPushButton*>("applyPreset")->click();
+    QCOMPARE(editor.values().frame.exposure, 1.0f);
+    QCOMPARE(editor.values().frame.kelvin, clip.frame.kelvin);
+    QVERIFY(editor.values().clip == clip.clip);
+    QVERIFY(editor.isModified());
+}
+
+void SettingsPanelTest::keyboardReachesEveryOpenSettingInOrder() {
+    twSettingsPanel panel;
+    panel.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&panel));
+    panel.control(BRAW_SETTING_COLOR_SCIENCE)->setFocus();
+    QStringList reached;
+    for (int i = 0; i < 12; ++i) {
+        reached << QApplication::focusWidget()->objectName();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    // The tone curve waits for the custom gamma and the LUT mode for the LUT:
+    // Tab passes them by.
+    QCOMPARE(reached, QStringList({"colorScience", "gamut", "gamutCompression", "gamma", "iso", "exposure",
+                                   "highlightRecovery", "wbPreset", "colorTemp", "tint", "lutEnabled",
+                                   "colorScience"}));
+}
+
 void SettingsPanelTest::sourceSettingsCancelWritesNothingAndOkWritesTheResult() {
     twtest::AppTestRoots roots;
     const QString clip = roots.writeClip("clip.braw");
@@ -304,7 +352,15 @@ void SettingsPanelTest::sourceSettingsCancelWritesNothingAndOkWritesTheResult() 
     control<QDoubleSpinBox>(*dialog.editor()->panel(), BRAW_SETTING_EXPOSURE)->setValue(-1.0);
     control<QComboBox>(*dialog.editor()->panel(), BRAW_SETTING_GAMMA)->setCurrentText(TW_CUSTOM_GAMMA_NAME);
     control<QDoubleSpinBox>(*dialog.editor()->panel(), BRAW_SETTING_CONTRAST)->setValue(0.75);
+    QFile cube(roots.path("grade.cube"));
+    QVERIFY(cube.open(QIODevice::WriteOnly));
+    cube.write("TITLE \"Grade\"\nLUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n0 0 1\n1 0 1\n0 1 1\n1 1 1\n");
+    cube.close();
+    dialog.findChild<QLineEdit*>("lutFile")->setText(roots.path("grade.cube"));
+    QCOMPARE(std::string(dialog.editor()->values().clip.lutMode), std::string("Sidecar"));
     QVERIFY(twSourceSettingsDialog::writeResult(session, *dialog.editor(), result).isEmpty());
+    // The LUT reaches the decoder library through the clip's sidecar.
+    QVERIFY(fileBytes(session.sidecarPath()).contains("post_3dlut_sidecar_data"));
 
     // The plug-in applies the result onto its own settings: every one arrives.
     TW_Preset back;

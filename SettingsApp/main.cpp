@@ -7,7 +7,6 @@
 #include "twSourceSettingsDialog.h"
 
 #include <QApplication>
-#include <QFile>
 
 #include <cstdio>
 
@@ -37,13 +36,9 @@ int main(int argc, char** argv) {
 
     int result = 0;
     switch (arguments.mode) {
-        case twAppArguments::Mode::PreferencesPopup: {
-            QFile input;
-            QByteArray json;
-            if (input.open(stdin, QIODevice::ReadOnly)) json = input.readAll();
-            result = twPreferencesWindow::run(json);
+        case twAppArguments::Mode::PreferencesPopup:
+            result = twPreferencesWindow::run(twAppEnvironment::readHostJson());
             break;
-        }
         case twAppArguments::Mode::SourceSettingsPopup:
             result = twSourceSettingsDialog::run(arguments);
             break;

@@ -5,9 +5,14 @@
 #include "FileSystem/qvFileSystem.h"
 #include "Platform/qvPlatformRoots.h"
 
+#include <QJsonDocument>
+#include <QJsonParseError>
 #include <QProcessEnvironment>
 
+#include <cerrno>
 #include <cstdio>
+
+#include <unistd.h>
 
 twAppArguments twAppArguments::parse(const QStringList& args) {
     twAppArguments out;
@@ -86,6 +91,22 @@ QString logFolder() {
     if (qvFileSystem::getUserHomeFolder(home).hasError) return QString();
     return QString::fromStdString(home.Str()) + qvProductFolders::kMakerFolder + "/Tarnwick/" +
            qvProductFolders::kLogs;
+}
+
+QByteArray readHostJson() {
+    QByteArray text;
+    if (isatty(STDIN_FILENO)) return text;
+    char buffer[4096];
+    for (;;) {
+        const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof(buffer));
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
+        text.append(buffer, static_cast<int>(count));
+        QJsonParseError error;
+        QJsonDocument::fromJson(text, &error);
+        if (error.error == QJsonParseError::NoError) break;
+    }
+    return text;
 }
 
 void printPopupAnswer(bool modified) {

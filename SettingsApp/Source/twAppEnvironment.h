@@ -41,6 +41,11 @@ void initialise(const twAppArguments& arguments);
 // The folder logs go to (not created here).
 QString logFolder();
 
+// The host's JSON from standard input: read until it forms a whole JSON
+// document or the input ends, so that a launcher that keeps the pipe open
+// doesn't hold the window back. Nothing is read from a terminal.
+QByteArray readHostJson();
+
 // The one answer line of a popup, on standard output.
 void printPopupAnswer(bool modified);
 

@@ -122,8 +122,8 @@ QImage twClipSession::decodeFrame(uint64_t frame, const twAttributes& attributes
         return QImage();
     }
     const QSize full(static_cast<int>(m_clip->m_width), static_cast<int>(m_clip->m_height));
-    if (full.isEmpty()) {
-        error = "The clip has no picture size.";
+    if (full.isEmpty() || m_clip->m_frameCount == 0) {
+        error = "The clip has no picture to show.";
         return QImage();
     }
     const QSize size = full.scaled(box.boundedTo(full).expandedTo(QSize(16, 16)), Qt::KeepAspectRatio);

@@ -25,7 +25,7 @@ mkdir -p "$product"
 for entry in "$stage"/*; do
   ln -s "$entry" "$product/$(basename "$entry")"
 done
-for part in Tarnwick_Source_Settings.plugin Tarnwick_Layer_Settings.plugin Tarnwick.app; do
+for part in Tarnwick_Source_Settings.plugin Tarnwick_Layer_Settings.plugin; do
   if [ ! -e "$product/$part" ]; then
     mkdir -p "$product/$part"
     echo "(not built yet: an empty $part stands in for the install check)"

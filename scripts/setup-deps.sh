@@ -10,6 +10,7 @@ packages=(
   rapidjson-dev libsimpleini-dev
   libcli11-dev libsndfile1-dev
   libopenimageio-dev ffmpeg
+  qt6-base-dev
 )
 
 missing=()

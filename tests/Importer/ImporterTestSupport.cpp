@@ -1,5 +1,6 @@
 #include "ImporterTestSupport.h"
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -11,7 +12,14 @@ ImporterTest::ImporterTest() : m_home(m_folder.makeFolder("home")), m_root(m_fol
     m_folder.makeFolder(product + "/Tarnwick_Source_Settings.plugin/Contents");
     m_folder.makeFolder(product + "/Tarnwick_Layer_Settings.plugin/Contents");
     m_folder.writeFile(product + "/libBlackmagicRawAPI.so", "so");
+#ifdef TW_SETTINGS_APP
+    // The settings application the build stages, so that a popup opened from
+    // this install runs the real one.
+    std::filesystem::create_symlink(TW_SETTINGS_APP,
+                                    m_folder.makeFolder(product + "/Tarnwick.app/Contents/MacOS") + "/Tarnwick");
+#else
     m_folder.writeFile(product + "/Tarnwick.app/Contents/MacOS/Tarnwick", "exe");
+#endif
 }
 
 twSimHost& ImporterTest::start(const twSimIdentity& identity, const std::string& plugin) {

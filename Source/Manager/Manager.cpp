@@ -322,7 +322,7 @@ int32_t qvBRAW_Manager::Release() {
     // that made them, which goes with the codec below: after FlushJobs no
     // callback holds any of them.
     std::vector<std::shared_ptr<qvBRAW_Request>> requests;
-    TW_LOCK_QUEUE_TRACED();
+    QV_LOCK_TRACED_AS(m_queueMutex, "QueueMutex");
     requests.swap(m_queue);
     m_queueMutex.unlock();
     requests.clear();
@@ -351,7 +351,7 @@ int32_t qvBRAW_Manager::AddProcessFrameAsync(std::shared_ptr<qvBRAW_Request> req
     // to be collected and shown like any other.
     auto fail = [&](int code, HRESULT hr, const qvUtf8String& text) -> int32_t {
         if (!text.Empty()) request->HandleError(code, hr, text, false);
-        TW_LOCK_QUEUE_TRACED();
+        QV_LOCK_TRACED_AS(m_queueMutex, "QueueMutex");
         m_queue.push_back(request);
         m_queueMutex.unlock();
         if (job) job->Release();
@@ -405,7 +405,7 @@ int32_t qvBRAW_Manager::AddProcessFrameAsync(std::shared_ptr<qvBRAW_Request> req
         job = nullptr;
     }
 
-    TW_LOCK_QUEUE_TRACED();
+    QV_LOCK_TRACED_AS(m_queueMutex, "QueueMutex");
     m_queue.push_back(request);
     m_queueMutex.unlock();
     return 0;
@@ -434,7 +434,7 @@ int32_t qvBRAW_Manager::ProcessFrameSync(std::shared_ptr<qvBRAW_Request> request
 int32_t qvBRAW_Manager::FindInQueue(std::shared_ptr<qvBRAW_Request> key, std::shared_ptr<qvBRAW_Request>& found,
                                     bool& stillProcessing, bool remove, bool acceptEquivalent, bool statsOnly) {
     stillProcessing = false;
-    TW_LOCK_QUEUE_TRACED();
+    QV_LOCK_TRACED_AS(m_queueMutex, "QueueMutex");
     if (m_queue.empty()) {
         m_queueMutex.unlock();
         return 0;
@@ -509,7 +509,7 @@ int32_t qvBRAW_Manager::GetFrame(std::shared_ptr<qvBRAW_Request> key, std::share
 
 int32_t qvBRAW_Manager::removeFromQueue(qvBRAW_Request* request) {
     if (request == nullptr) return 0;
-    TW_LOCK_QUEUE_TRACED();
+    QV_LOCK_TRACED_AS(m_queueMutex, "QueueMutex");
     bool removed = false;
     for (auto entry = m_queue.begin(); entry != m_queue.end(); ++entry) {
         if (entry->get() == request) {
@@ -524,7 +524,7 @@ int32_t qvBRAW_Manager::removeFromQueue(qvBRAW_Request* request) {
 }
 
 uint64_t qvBRAW_Manager::GetQueueSizeSafe() {
-    TW_LOCK_QUEUE_TRACED();
+    QV_LOCK_TRACED_AS(m_queueMutex, "QueueMutex");
     const uint64_t size = m_queue.size();
     m_queueMutex.unlock();
     return size;

@@ -5,6 +5,7 @@
 #include <ostream>
 
 std::unique_ptr<twSimFile> twHostImportClip(twHostSession& s, const std::string& path) {
+    s.out << "Clip: " << path << "\n";
     std::unique_ptr<twSimFile> file = s.host.importFile(path);
     const bool opened = file->openResult() == imNoErr;
     if (opened && file->infoResult() == imNoErr) {

@@ -1,5 +1,6 @@
 #include "Common/twCheckInstallFolder.h"
 
+#include "OrdinaryUser.h"
 #include "TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -106,8 +107,6 @@ protected:
 
     twtest::ScopedTestRoots m_roots;
 };
-
-bool runningAsRoot() { return geteuid() == 0; }
 
 }  // namespace
 
@@ -349,14 +348,15 @@ TEST_F(CheckInstallFolder, UnreachableFolders) {
 }
 
 TEST_F(CheckInstallFolder, UnreadableMediaCoreIsSearchedAsEmpty) {
-    if (runningAsRoot()) GTEST_SKIP() << "permissions do not bind root";
     install(kProduct);
-    chmod(mediaCore().c_str(), 0);
-    const CheckRun r = run();
-    chmod(mediaCore().c_str(), 0755);
-    ASSERT_TRUE(r.result.isOk());
-    EXPECT_EQ(r.level, QV_LOG_ERR);
-    EXPECT_EQ(r.report, kVerdictErr + kNothingFoundInMediaCore);
+    twtest::RunAsOrdinaryUser(folder().path(), [&] {
+        chmod(mediaCore().c_str(), 0);
+        const CheckRun r = run();
+        chmod(mediaCore().c_str(), 0755);
+        ASSERT_TRUE(r.result.isOk());
+        EXPECT_EQ(r.level, QV_LOG_ERR);
+        EXPECT_EQ(r.report, kVerdictErr + kNothingFoundInMediaCore);
+    });
 }
 
 TEST_F(CheckInstallFolder, ConflictingNamesOfALaterListAreErrors) {

@@ -77,6 +77,10 @@ std::vector<std::string> ImporterTest::errorMessages(const std::string& hostText
     for (const LogLine& line : logLines(hostText)) {
         if (line.level != "ERR") continue;
         if (line.message.rfind("Error when setting CheckInstallFolder priority", 0) == 0) continue;
+        // Reading a bool key a clip lacks is logged as "not a bool"; most test
+        // clips carry no anamorphic flag, so each import of one writes it.
+        if (line.message == "getClipMetadataBool called on clip with key : anamorphic_enable but result is not a bool")
+            continue;
         out.push_back(line.message);
     }
     return out;

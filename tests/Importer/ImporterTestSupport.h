@@ -42,7 +42,8 @@ protected:
     std::vector<std::string> selectorLines(const std::string& hostText = "Premiere Pro") const;
 
     // Messages logged at ERR, without the install check thread's priority
-    // report, which depends on what the system allows.
+    // report, which depends on what the system allows, and without the line a
+    // clip lacking an anamorphic flag writes at each import.
     std::vector<std::string> errorMessages(const std::string& hostText = "Premiere Pro") const;
 
     // Events of the error suite as "<type>|<title>|<description>".

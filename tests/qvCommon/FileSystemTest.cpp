@@ -1,5 +1,6 @@
 #include "FileSystem/qvFileSystem.h"
 #include "FileSystem/qvUtf8Path.h"
+#include "OrdinaryUser.h"
 #include "TempFolder.h"
 
 #include <algorithm>
@@ -14,8 +15,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-bool runningAsRoot() { return geteuid() == 0; }
 
 // Makes a folder read-only for the life of the object (the TempFolder gives
 // write access back before it cleans up, should a test stop early).
@@ -86,9 +85,10 @@ TEST(FileSystem, FolderWritableProbeLeavesNothingBehind) {
     EXPECT_TRUE(qvFileSystem::isFolderWritable(folder));
     EXPECT_TRUE(fs::is_empty(folder));
     EXPECT_FALSE(qvFileSystem::isFolderWritable(temp.join("missing")));
-    if (runningAsRoot()) GTEST_SKIP() << "permissions do not bind root";
-    ReadOnlyFolder readOnly(folder);
-    EXPECT_FALSE(qvFileSystem::isFolderWritable(folder));
+    twtest::RunAsOrdinaryUser(temp.path(), [&] {
+        ReadOnlyFolder readOnly(folder);
+        EXPECT_FALSE(qvFileSystem::isFolderWritable(folder));
+    });
 }
 
 TEST(FileSystem, ReadDirectoryListsEntriesWithoutDots) {
@@ -197,11 +197,12 @@ TEST(FileSystem, CreatingFolders) {
               "Impossible to create Directory at : " + file + "/sub (error 20)");
     EXPECT_FALSE(fs::exists(file + "/sub/more"));
 
-    if (runningAsRoot()) GTEST_SKIP() << "permissions do not bind root";
     const std::string locked = temp.makeFolder("locked");
-    ReadOnlyFolder readOnly(locked);
-    EXPECT_EQ(qvFileSystem::createDirectory(locked + "/x").toString().Str(),
-              "Impossible to create Directory at : " + locked + "/x - Privilege Access Error");
+    twtest::RunAsOrdinaryUser(temp.path(), [&] {
+        ReadOnlyFolder readOnly(locked);
+        EXPECT_EQ(qvFileSystem::createDirectory(locked + "/x").toString().Str(),
+                  "Impossible to create Directory at : " + locked + "/x - Privilege Access Error");
+    });
 }
 
 TEST(FileSystem, RemovingFilesAndFolders) {
@@ -224,10 +225,11 @@ TEST(FileSystem, RemovingFilesAndFolders) {
     EXPECT_TRUE(qvFileSystem::removeFolderIfExists(temp.makeFolder("empty")).isOk());
     EXPECT_FALSE(fs::exists(temp.join("empty")));
 
-    if (runningAsRoot()) GTEST_SKIP() << "permissions do not bind root";
-    ReadOnlyFolder readOnly(temp.join("full"));
-    EXPECT_EQ(qvFileSystem::removeFileIfExists(temp.join("full/g.txt")).toString().Str(),
-              "Impossible to remove file " + temp.join("full/g.txt"));
+    twtest::RunAsOrdinaryUser(temp.path(), [&] {
+        ReadOnlyFolder readOnly(temp.join("full"));
+        EXPECT_EQ(qvFileSystem::removeFileIfExists(temp.join("full/g.txt")).toString().Str(),
+                  "Impossible to remove file " + temp.join("full/g.txt"));
+    });
 }
 
 TEST(FileSystem, CopyFile) {
@@ -264,13 +266,15 @@ TEST(FileSystem, MoveFileRenamesOrCopiesAndRemoves) {
               "Impossible to open output stream");
     EXPECT_TRUE(fs::exists(temp.join("c.txt")));
 
-    if (runningAsRoot()) GTEST_SKIP() << "permissions do not bind root";
     // A source that cannot be removed: the copy is taken back, no half-move stays.
     const std::string stuck = temp.writeFile("locked/e.txt", "E");
-    ReadOnlyFolder readOnly(temp.join("locked"));
-    EXPECT_EQ(qvFileSystem::moveFile(stuck, temp.join("e.txt")).toString().Str(), "Impossible to remove file " + stuck);
-    EXPECT_TRUE(fs::exists(stuck));
-    EXPECT_FALSE(fs::exists(temp.join("e.txt")));
+    twtest::RunAsOrdinaryUser(temp.path(), [&] {
+        ReadOnlyFolder readOnly(temp.join("locked"));
+        EXPECT_EQ(qvFileSystem::moveFile(stuck, temp.join("e.txt")).toString().Str(),
+                  "Impossible to remove file " + stuck);
+        EXPECT_TRUE(fs::exists(stuck));
+        EXPECT_FALSE(fs::exists(temp.join("e.txt")));
+    });
 }
 
 TEST(FileSystem, MoveFolderChecksBothEnds) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 
@@ -61,15 +62,28 @@ TEST(Stats, ZeroSampleIsAValueAndSquaresWrap) {
 }
 
 TEST(Chrono, StoppedWatchReadsZeroAndResetRestartsTheSpan) {
+    using std::chrono::steady_clock;
     qvChrono chrono;
     EXPECT_TRUE(chrono.stopped);
-    EXPECT_EQ(chrono.getLatestSpanNano(true), 0);
+    EXPECT_EQ(chrono.getLatestSpanNano(false), 0);
     EXPECT_EQ(chrono.getLatestSpanMicro(false), 0);
+    // A reset moves the start even while the watch is stopped.
+    EXPECT_EQ(chrono.getLatestSpanNano(true), 0);
+    EXPECT_NE(chrono.lastTime, steady_clock::time_point{});
+
     chrono.start();
     EXPECT_FALSE(chrono.stopped);
-    const auto started = chrono.lastTime;
-    EXPECT_GE(chrono.getLatestSpanNano(false), 0);
+    // A start put five seconds back: the span is at least that, in each unit,
+    // and reading without reset leaves the start where it is.
+    const steady_clock::time_point started = steady_clock::now() - std::chrono::seconds(5);
+    chrono.lastTime = started;
+    const int64_t nano = chrono.getLatestSpanNano(false);
+    EXPECT_GE(nano, INT64_C(5000000000));
     EXPECT_EQ(chrono.lastTime, started);
-    chrono.getLatestSpanMicro(true);
-    EXPECT_GE(chrono.lastTime, started);
+    const int64_t micro = chrono.getLatestSpanMicro(true);
+    EXPECT_GE(micro, nano / 1000);
+    EXPECT_LT(micro, nano);
+    // The reset starts the next span now: it no longer holds the five seconds.
+    EXPECT_GE(chrono.lastTime, started + std::chrono::seconds(5));
+    EXPECT_LT(chrono.getLatestSpanNano(false), nano);
 }

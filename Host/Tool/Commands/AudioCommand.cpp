@@ -26,7 +26,6 @@ public:
     }
 
     int run(twHostSession& s) override {
-        s.out << "Clip: " << m_clip << "\n";
         std::unique_ptr<twSimFile> imported = twHostImportClip(s, m_clip);
         if (!imported) return kExitPluginFailure;
         twSimFile& file = *imported;

@@ -6,8 +6,7 @@
 // (1.0: as fast as one copy of the output). A summary closes the run with the
 // goal of each kind of pass.
 
-#include "Manager/Request.h"
-#include "Manager/twBufferManager.h"
+#include "ConversionTestSupport.h"
 
 #include <benchmark/benchmark.h>
 
@@ -19,16 +18,6 @@
 #include <vector>
 
 namespace {
-
-class BenchRequest : public qvBRAW_Request {
-public:
-    BenchRequest() : qvBRAW_Request(true, nullptr) {
-        m_finished = true;
-        m_bufferManager = new twBufferManager(nullptr, nullptr, nullptr, blackmagicRawResourceTypeBufferCPU, false,
-                                              nullptr, nullptr);
-    }
-    void OnCancelled() override {}
-};
 
 struct Pass {
     int algorithm;
@@ -73,7 +62,7 @@ void runPass(benchmark::State& state, const Pass& pass) {
     std::vector<uint8_t> frame(outBytes, 0);
     std::vector<uint8_t> copySource(outBytes, 0x3C);
 
-    BenchRequest request;
+    twtest::ConversionRequest request;
     request.m_pxlConvAlgo = pass.algorithm;
     request.m_bmBytesPerPixel = static_cast<uint8_t>(pass.srcBytes);
     request.m_srcWidth = Ws;
@@ -83,8 +72,7 @@ void runPass(benchmark::State& state, const Pass& pass) {
     request.m_rect = {0, 0, static_cast<int32_t>(W), static_cast<int32_t>(H)};
     request.m_rowBytes = static_cast<int32_t>(W * pass.dstBytes);
     request.m_scaleX = request.m_scaleY = kDownscale;
-    request.m_bufferManager->m_processedBuffer = source.data();
-    request.m_bufferManager->m_finalImageBuffer = frame.data();
+    request.setBuffers(source.data(), frame.data());
     request.HeavyProcessing();  // warm: every page of both buffers touched once
     std::memcpy(frame.data(), copySource.data(), outBytes);
 

@@ -44,6 +44,14 @@ twFileReplacement::~twFileReplacement() {
 QvResult twFileReplacement::commit() {
     struct stat target;
     if (stat(m_targetPath.c_str(), &target) == 0 && S_ISREG(target.st_mode)) {
+        // A rename would replace a file the user made read-only; writing into
+        // it would not, so neither does this.
+        if (::access(m_targetPath.c_str(), W_OK) != 0) {
+            ::unlink(m_tempPath.c_str());
+            m_committed = true;
+            QV_LOG(QV_LOG_ERR, "Not replacing " << m_targetPath << " : the file is read-only");
+            return QvResult("Impossible to replace " + m_targetPath + " : the file is read-only");
+        }
         ::chmod(m_tempPath.c_str(), target.st_mode & 07777);
     }
     if (::rename(m_tempPath.c_str(), m_targetPath.c_str()) != 0) {

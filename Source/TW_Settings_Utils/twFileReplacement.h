@@ -31,7 +31,8 @@ public:
     const qvUtf8String& targetPath() const { return m_targetPath; }
 
     // Renames the temporary file over the target, with the target's permission
-    // bits when it existed. On failure the target is untouched and the
+    // bits when it existed. A target the user can't write is refused, as a
+    // write into it would be. On failure the target is untouched and the
     // temporary file is gone.
     QvResult commit();
 

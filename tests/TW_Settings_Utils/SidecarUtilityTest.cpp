@@ -354,6 +354,26 @@ TEST_F(SidecarFixture, AReadOnlyFolderLeavesTheSidecarIntact) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(clipFolder), std::filesystem::directory_iterator()), 1);
 }
 
+// A sidecar the user made read-only stays as it is, in a folder they may write.
+TEST_F(SidecarFixture, AReadOnlySidecarIsNotReplaced) {
+    const std::string clipFolder = folder.makeFolder("card");
+    const std::string path = clipFolder + "/A001.sidecar";
+    folder.writeFile("card/A001.sidecar", R"({"note": "mine"})");
+    ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(chown(clipFolder.c_str(), kUnprivilegedId, kUnprivilegedId), 0);
+    ASSERT_EQ(chown(path.c_str(), kUnprivilegedId, kUnprivilegedId), 0);
+    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+
+    const int code = runAsUnprivileged([&] {
+        return SidecarUtility::writeSidecarFromPrefs(path, variedSettings(0)) == SidecarUtility::SIDECAR_WRITE_FAILED
+                   ? 0
+                   : 1;
+    });
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(TempFolder::readFile(path), R"({"note": "mine"})");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(clipFolder), std::filesystem::directory_iterator()), 1);
+}
+
 // A sidecar the user can't read is neither read nor replaced.
 TEST_F(SidecarFixture, AnUnreadableSidecarIsNotReplaced) {
     const std::string clipFolder = folder.makeFolder("card");
@@ -372,17 +392,4 @@ TEST_F(SidecarFixture, AnUnreadableSidecarIsNotReplaced) {
     });
     EXPECT_EQ(code, 0);
     EXPECT_EQ(TempFolder::readFile(path), R"({"note": "mine"})");
-}
-
-TEST(SidecarReading, BooleansAndStringsCantBeFrameLevel) {
-    QV_JSON json;
-    ASSERT_EQ(json.readJSONStr("{}"), QV_JSON_OK);
-    SidecarUtility::SidecarError error = SidecarUtility::SIDECAR_OK;
-    std::vector<bool> flags(BRAW_SETTINGS_COUNT);
-    bool value = false;
-    EXPECT_THROW(SidecarUtility::getValueAndActiveState("x", 2, json, error, flags, &value, SidecarUtility::TYPE_BOOL,
-                                                        true),
-                 std::runtime_error);
-    EXPECT_EQ(SidecarUtility::activeKeyOf("tw_wbPreset"), "tw_wbPreset_active");
-    EXPECT_EQ(SidecarUtility::activeKeyOf("iso"), "tw_iso_active");
 }

@@ -26,26 +26,13 @@ bool isLutMemberLine(std::string_view line) {
     return line[1 + kLutDataKey.size()] == '"' && line[2 + kLutDataKey.size()] == ':';
 }
 
-void appendTriple(std::string& out, const std::vector<double>& numbers, size_t first) {
-    for (size_t i = first; i < first + 3; ++i) {
-        if (i != first) out += ' ';
-        twNumberText::appendFixed(out, numbers[i], 10);
-    }
-}
-
-}  // namespace
-
-namespace {
-
-// fromLUTStringToFloatVector on a piece of a larger text, without copying it.
-void numbersOf(std::string_view text, std::vector<double>& out) {
-    out.clear();
-    // A number and its blank take at least two bytes; a LUT's take nine or more.
-    out.reserve(text.size() / 8 + 1);
-    twNumberText::forEachToken(text, [&out](std::string_view token) {
+// Each number of a LUT's data text; a token that isn't one is logged and skipped.
+template <class OnNumber>
+void forEachLutNumber(std::string_view text, OnNumber&& onNumber) {
+    twNumberText::forEachToken(text, [&onNumber](std::string_view token) {
         double value = 0.0;
         if (twNumberText::readDouble(token, value)) {
-            out.push_back(value);
+            onNumber(value);
         } else {
             QV_LOG(QV_LOG_ERR, "Error while parsing LUT on : " << token);
         }
@@ -55,7 +42,8 @@ void numbersOf(std::string_view text, std::vector<double>& out) {
 }  // namespace
 
 QvResult LutUtility::fromLUTStringToFloatVector(const qvUtf8String& text, std::vector<double>& out) {
-    numbersOf(text.Str(), out);
+    out.clear();
+    forEachLutNumber(text.Str(), [&out](double value) { out.push_back(value); });
     return QvResult();
 }
 
@@ -64,7 +52,6 @@ QvResult LutUtility::layoutLUTMember(std::string_view in, std::string& out) {
     // Ten decimals instead of six and the row indents make a LUT's text up to
     // three times longer. Reserved, not touched: memory not written costs nothing.
     out.reserve(in.size() * 3 + 64);
-    std::vector<double> numbers;
     size_t pos = 0;
     while (pos < in.size()) {
         const size_t lineFeed = in.find('\n', pos);
@@ -85,20 +72,27 @@ QvResult LutUtility::layoutLUTMember(std::string_view in, std::string& out) {
             const size_t close = line.find('"', open + 1);
             if (close != std::string_view::npos) value = line.substr(open + 1, close - open - 1);
         }
-        numbersOf(value, numbers);
-        if (numbers.size() % 3 != 0) {
-            return QvResult("Impossible to update Sidecar LUT if Lut Vector length is not a multiple of 3");
-        }
+        // Numbers go straight from the text to the laid-out text; a count that
+        // isn't a multiple of 3 is found at the end, and `out` is then dropped.
         out += kMemberIndent;
         out += '"';
         out += kLutDataKey;
         out += "\": \"";
-        for (size_t i = 0; i < numbers.size(); i += 3) {
-            if (i != 0) {
-                out += '\n';
-                out += kRowIndent;
+        size_t count = 0;
+        forEachLutNumber(value, [&out, &count](double number) {
+            if (count > 0) {
+                if (count % 3 == 0) {
+                    out += '\n';
+                    out += kRowIndent;
+                } else {
+                    out += ' ';
+                }
             }
-            appendTriple(out, numbers, i);
+            twNumberText::appendFixed(out, number, 10);
+            ++count;
+        });
+        if (count % 3 != 0) {
+            return QvResult("Impossible to update Sidecar LUT if Lut Vector length is not a multiple of 3");
         }
         out += '"';
         if (hadComma) out += ',';

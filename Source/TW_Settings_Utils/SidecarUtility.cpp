@@ -242,10 +242,13 @@ SidecarUtility::SidecarError SidecarUtility::fillPrefsFromJSONSidecarValues(QV_J
         getValueAndActiveState(k.key, k.index, json, error, activeFlags, fieldOf(k.index, clip, frame, texts), k.type,
                                k.frameLevel);
     }
-    // An empty text names nothing: the field keeps its value.
-    if (!texts.gamma.Empty()) twCopyFixedText(clip.gamma, sizeof(clip.gamma), texts.gamma.c_str());
-    if (!texts.gamut.Empty()) twCopyFixedText(clip.gamut, sizeof(clip.gamut), texts.gamut.c_str());
-    if (!texts.lutMode.Empty()) twCopyFixedText(clip.lutMode, sizeof(clip.lutMode), texts.lutMode.c_str());
+    // An empty text names nothing: the field keeps its value. Judged by its
+    // bytes, as the field will hold them: a text that isn't valid UTF-8 still
+    // names something.
+    auto namesSomething = [](const qvUtf8String& text) { return text.Size() > 0 && text.Str()[0] != '\0'; };
+    if (namesSomething(texts.gamma)) twCopyFixedText(clip.gamma, sizeof(clip.gamma), texts.gamma.c_str());
+    if (namesSomething(texts.gamut)) twCopyFixedText(clip.gamut, sizeof(clip.gamut), texts.gamut.c_str());
+    if (namesSomething(texts.lutMode)) twCopyFixedText(clip.lutMode, sizeof(clip.lutMode), texts.lutMode.c_str());
     return error;
 }
 

@@ -129,7 +129,7 @@ QvResult TW_LUT::loadFromCubeText(std::string_view text, const qvUtf8String& pat
         }
     }
 
-    if (title.Empty()) title = qvFileSystem::getFilenameFromPath(path, true);
+    if (title.Size() == 0) title = qvFileSystem::getFilenameFromPath(path, true);
     name = qvFileSystem::getFilenameFromPath(path, false) + ".cube";
 
     if (size < 1) return QvResult("LUT had bad size");

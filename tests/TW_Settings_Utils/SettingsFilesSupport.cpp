@@ -38,8 +38,9 @@ twAttributes variedSettings(int variant) {
     twCopyFixedText(f.timecode, sizeof(f.timecode), "01:02:03:04");
 
     switch (variant) {
-        case 1:  // texts that fill their fields, without a terminator, multi-byte at the end
+        case 1:  // texts that fill their fields, without a terminator, multi-byte at the end; not UTF-8
             std::memset(c.gamut, 'g', sizeof(c.gamut));
+            c.gamut[0] = '\x80';
             std::memcpy(c.gamma, "Gamma \xC3\xA9\xE2\x82\xAC", 11);
             std::memset(c.gamma + 11, 'x', sizeof(c.gamma) - 11);
             std::memcpy(c.lutMode, "Sidecar_LUTs", sizeof(c.lutMode));

@@ -393,16 +393,3 @@ TEST_F(SidecarFixture, AnUnreadableSidecarIsNotReplaced) {
     EXPECT_EQ(code, 0);
     EXPECT_EQ(TempFolder::readFile(path), R"({"note": "mine"})");
 }
-
-TEST(SidecarReading, BooleansAndStringsCantBeFrameLevel) {
-    QV_JSON json;
-    ASSERT_EQ(json.readJSONStr("{}"), QV_JSON_OK);
-    SidecarUtility::SidecarError error = SidecarUtility::SIDECAR_OK;
-    std::vector<bool> flags(BRAW_SETTINGS_COUNT);
-    bool value = false;
-    EXPECT_THROW(SidecarUtility::getValueAndActiveState("x", 2, json, error, flags, &value, SidecarUtility::TYPE_BOOL,
-                                                        true),
-                 std::runtime_error);
-    EXPECT_EQ(SidecarUtility::activeKeyOf("tw_wbPreset"), "tw_wbPreset_active");
-    EXPECT_EQ(SidecarUtility::activeKeyOf("iso"), "tw_iso_active");
-}

@@ -44,5 +44,14 @@ echo
 echo
 "${host[@]}" play "$clip" --frames 0-23 --ahead 4
 echo
+# The source settings panel of the clip, one setting changed through its
+# sidecar, and the same frame rendered before and after.
+"${host[@]}" settings "$clip"
+echo
+"${host[@]}" render "$clip" "$demo/before" --frames 12 --size quarter
+"${host[@]}" settings "$clip" --set exposure=1.5
+"${host[@]}" render "$clip" "$demo/after" --frames 12 --size quarter
+echo
 echo "Demo clip: $clip   its audio: $demo/demo.wav"
 echo "Its frames: $demo/frames/frame_*.png   contact sheet: $demo/frames/contact-sheet.png"
+echo "Exposure +1.5 through the sidecar: $demo/before/ against $demo/after/ (sidecar: $demo/demo.sidecar)"

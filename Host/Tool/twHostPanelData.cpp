@@ -11,10 +11,10 @@
 namespace {
 
 // The offsets the effect writes and reads, fixed by the wire format.
-constexpr size_t kImporterFailed = 3536;
-constexpr size_t kReloadOptionsCommand = 4584;
-constexpr size_t kReloadSidecarCommand = 4585;
-constexpr size_t kAdobeTimecode = 4588;
+constexpr size_t kImporterFailed = twImporterSettingsWire::importerFailed;
+constexpr size_t kReloadOptionsCommand = twImporterSettingsWire::reloadOptionsCommand;
+constexpr size_t kReloadSidecarCommand = twImporterSettingsWire::reloadSidecarCommand;
+constexpr size_t kAdobeTimecode = twImporterSettingsWire::adobeTimecode;
 // The virtual table pointer heads the object: the record's data starts after it.
 constexpr size_t kDataStart = sizeof(void*);
 

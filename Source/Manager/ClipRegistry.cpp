@@ -224,7 +224,9 @@ QvResult qvBRAW_Manager::probeFirstFrame(const std::shared_ptr<qvBRAW_Clip>& cli
     }
 
     ProcessFrameSync(request);
-    if (request->m_errorCode != 0) {
+    // After the flush no callback runs any more. A probe that never finished
+    // (its read could not even be waited for) has told nothing either.
+    if (request->m_errorCode != 0 || !request->m_finished) {
         QV_LOG(QV_LOG_ERR, request->logPrefix().Str() << "First frame failed : " << request->m_errorMsg.Str());
         return QvResult("Error happened ! Impossible to call initClipSourceSettingsInitData !");
     }

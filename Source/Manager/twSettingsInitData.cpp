@@ -40,9 +40,11 @@ namespace {
 
 unsigned int flag(bool value) { return value ? 1u : 0u; }
 
-// The tone curve of one gamma as the panels read it, where the video black
-// level is a JSON boolean.
-void addGammaControls(QV_JSON& json, rapidjson::Value& object, const twGammaControlsValues& curve) {
+// A tone curve as the panels read it. The video black level has two forms:
+// a JSON boolean in "gammaControlsPerPreset", 0 or 1 in "cameraMetadata", and
+// each reader expects its own.
+void addGammaControls(QV_JSON& json, rapidjson::Value& object, const twGammaControlsValues& curve,
+                      bool videoBlackAsBoolean) {
     json.addFloatToObject(object, "saturation", curve.saturation);
     json.addFloatToObject(object, "contrast", curve.contrast);
     json.addFloatToObject(object, "midpoint", curve.midpoint);
@@ -50,7 +52,11 @@ void addGammaControls(QV_JSON& json, rapidjson::Value& object, const twGammaCont
     json.addFloatToObject(object, "shadow", curve.shadows);
     json.addFloatToObject(object, "whiteLvl", curve.whiteLevel);
     json.addFloatToObject(object, "blackLvl", curve.blackLevel);
-    json.addBoolToObject(object, "useVideoBlackLvl", curve.useVideoBlackLevel);
+    if (videoBlackAsBoolean) {
+        json.addBoolToObject(object, "useVideoBlackLvl", curve.useVideoBlackLevel);
+    } else {
+        json.addUintToObject(object, "useVideoBlackLvl", flag(curve.useVideoBlackLevel));
+    }
 }
 
 }  // namespace
@@ -75,7 +81,7 @@ void twSettingsInitData::fillInfosIntoJSONObject(QV_JSON& json, rapidjson::Value
             if (!science[gamma].first) continue;
             rapidjson::Value curve;
             json.createEmptyObject(curve);
-            addGammaControls(json, curve, science[gamma].second);
+            addGammaControls(json, curve, science[gamma].second, true);
             json.addObjectToObject(byGamma, std::to_string(gamma).c_str(), curve);
         }
         json.addObjectToArray(perPreset, byGamma);
@@ -92,7 +98,6 @@ void twSettingsInitData::fillInfosIntoJSONObject(QV_JSON& json, rapidjson::Value
 
     const twClipAttributes& clip = attributes.clip;
     const twFrameAttributes& frame = attributes.frame;
-    const twGammaControlsValues& curve = clip.gammaControls;
     rapidjson::Value camera;
     json.createEmptyObject(camera);
     json.addUintToObject(camera, "colorScience", clip.colorScienceGen);
@@ -105,14 +110,6 @@ void twSettingsInitData::fillInfosIntoJSONObject(QV_JSON& json, rapidjson::Value
     json.addStringToObject(camera, "lut", qvUtf8String::FromFixedUtf8CharArray(clip.lutMode));
     json.addUintToObject(camera, "colorTemp", frame.kelvin);
     json.addIntToObject(camera, "tint", frame.tint);
-    json.addFloatToObject(camera, "saturation", curve.saturation);
-    json.addFloatToObject(camera, "contrast", curve.contrast);
-    json.addFloatToObject(camera, "midpoint", curve.midpoint);
-    json.addFloatToObject(camera, "highlight", curve.highlights);
-    json.addFloatToObject(camera, "shadow", curve.shadows);
-    json.addFloatToObject(camera, "whiteLvl", curve.whiteLevel);
-    json.addFloatToObject(camera, "blackLvl", curve.blackLevel);
-    // Here 0 or 1, unlike in "gammaControlsPerPreset": each reader expects its own form.
-    json.addUintToObject(camera, "useVideoBlackLvl", flag(curve.useVideoBlackLevel));
+    addGammaControls(json, camera, clip.gammaControls, false);
     json.addObjectToObject(object, "cameraMetadata", camera);
 }

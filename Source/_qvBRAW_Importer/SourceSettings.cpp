@@ -32,11 +32,25 @@ constexpr const char* kCommandErrorTitle = "Importer PerformSSCommand Error";
 
 // The pointer the effect passes its record through. It sits in the effect's
 // buffer at no promised alignment, so it is read and written bytewise.
-twImporterSettingsInitData* readRecordPointer(const char* slot) {
-    twImporterSettingsInitData* record = nullptr;
+unsigned char* readRecordPointer(const char* slot) {
+    unsigned char* record = nullptr;
     std::memcpy(&record, slot, sizeof(record));
     return record;
 }
+
+// The effect's record is the effect's memory, laid out by the wire format:
+// its fields are reached by their offsets.
+struct EffectRecord {
+    unsigned char* bytes;
+
+    bool flag(size_t offset) const { return bytes[offset] != 0; }
+    void set(size_t offset) const { bytes[offset] = 1; }
+    uint32_t adobeTimecode() const {
+        uint32_t value = 0;
+        std::memcpy(&value, bytes + twImporterSettingsWire::adobeTimecode, sizeof(value));
+        return value;
+    }
+};
 
 void writeRecordPointer(char* slot, twImporterSettingsInitData* record) {
     std::memcpy(slot, &record, sizeof(record));
@@ -129,12 +143,12 @@ int reloadSidecar(const qvUtf8String& path, bool clipFound, const std::shared_pt
     return imNoErr;
 }
 
-int fillRecord(imStdParms* stdParms, char* slot, twImporterSettingsInitData* effectRecord, const qvUtf8String& path,
+int fillRecord(imStdParms* stdParms, char* slot, const EffectRecord& effectRecord, const qvUtf8String& path,
                bool clipFound, const std::shared_ptr<qvBRAW_Clip>& clip, uint64_t id) {
     if (!clipFound || !clip || !Global_Manager) {
         QV_LOG(QV_LOG_ERR, "Getting SS InitData - Clip has not been found in list from filepath : "
                                << path.Str() << " - Test clipFound : " << clipFound);
-        effectRecord->importerFailed = true;
+        effectRecord.set(twImporterSettingsWire::importerFailed);
         return imOtherErr;
     }
     QV_LOG(QV_LOG_INFO, "Clip has been found. ID : " << id << ", filepath : " << path.Str());
@@ -146,15 +160,15 @@ int fillRecord(imStdParms* stdParms, char* slot, twImporterSettingsInitData* eff
     if (!answer) {
         const qvUtf8String text = all.hasError ? all.toString() : qvUtf8String("Clip has no settings data");
         QV_LOG(QV_LOG_ERR, text.Str());
-        effectRecord->importerFailed = true;
+        effectRecord.set(twImporterSettingsWire::importerFailed);
         displayMsgToTheUser(stdParms, text, "", 3, true);
         return imOtherErr;
     }
 
     answer->importerAnswered = 1;
     answer->importerFailed = false;
-    answer->adobeTimecodeSet = effectRecord->adobeTimecodeSet;
-    answer->adobeTimecode = effectRecord->adobeTimecode;
+    answer->adobeTimecodeSet = effectRecord.bytes[twImporterSettingsWire::adobeTimecodeSet];
+    answer->adobeTimecode = effectRecord.adobeTimecode();
     answer->setFilepath(clip->m_path);
     // The effect reads the answer through its own pointer; the answer lives on
     // as the clip's settings data.
@@ -191,15 +205,15 @@ int SDKPerformSourceSettingsCommand(imStdParms* stdParms, imFileAccessRec8* file
                             true);
         return imOtherErr;
     }
-    twImporterSettingsInitData* effectRecord = readRecordPointer(slot);
-    if (!effectRecord) {
+    const EffectRecord effectRecord{readRecordPointer(slot)};
+    if (!effectRecord.bytes) {
         displayMsgToTheUser(stdParms, kCommandErrorTitle, "SDKPerformSourceSettingsCommand - *initData is nullptr !",
                             3, true);
         return imOtherErr;
     }
 
-    effectRecord->importerAnswered = 1;
-    if (effectRecord->reloadOptionsCommand) return reloadOptions(stdParms);
+    effectRecord.set(twImporterSettingsWire::importerAnswered);
+    if (effectRecord.flag(twImporterSettingsWire::reloadOptionsCommand)) return reloadOptions(stdParms);
 
     const qvUtf8String path =
         fileAccess ? TWI_PathFromUtf16(fileAccess->filepath, kSourceSettingsPathUnits) : qvUtf8String();
@@ -207,7 +221,9 @@ int SDKPerformSourceSettingsCommand(imStdParms* stdParms, imFileAccessRec8* file
     std::shared_ptr<qvBRAW_Clip> clip;
     const bool clipFound = Global_Manager && Global_Manager->GetClipIDFromFilepath(path, id, clip);
 
-    if (effectRecord->reloadSidecarCommand) return reloadSidecar(path, clipFound, clip, id);
+    if (effectRecord.flag(twImporterSettingsWire::reloadSidecarCommand)) {
+        return reloadSidecar(path, clipFound, clip, id);
+    }
     return fillRecord(stdParms, slot, effectRecord, path, clipFound, clip, id);
 }
 

@@ -32,6 +32,18 @@ constexpr size_t TW_IMPORTER_SETTINGS_INIT_DATA_SIZE = 4592;
 // The host shows no start timecode of its own.
 constexpr uint32_t TW_ADOBE_TIMECODE_UNKNOWN = 0xFFFFFFFF;
 
+// Where the exchange's own fields sit in the record. The effect's record is
+// another module's memory, never an object of this one: it is read and
+// written at these offsets only.
+namespace twImporterSettingsWire {
+constexpr size_t importerFailed = 3536;
+constexpr size_t reloadOptionsCommand = 4584;
+constexpr size_t reloadSidecarCommand = 4585;
+constexpr size_t importerAnswered = 4586;
+constexpr size_t adobeTimecodeSet = 4587;
+constexpr size_t adobeTimecode = 4588;
+}  // namespace twImporterSettingsWire
+
 class twImporterSettingsInitData : public twSettingsInitData {
 public:
     twImporterSettingsInitData();

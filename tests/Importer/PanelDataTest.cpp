@@ -5,6 +5,7 @@
 // and leaves the clip without settings data.
 
 #include "ClipImportSupport.h"
+#include "FrameTestSupport.h"
 #include "SourceSettingsSupport.h"
 
 #include "Utils/qvUtils.h"
@@ -198,8 +199,16 @@ protected:
 TEST_F(PanelDataTest, TheDefaultCameraOffersItsListsRangesAndCurves) {
     startHost();
     const RefClipModel model;
+    twStageWatch stages;
     const Bytes b = panelOf("default.braw", model);
     expectPanelMatches(b, model);
+    // Asked twice, the clip's first frame is read once and never decoded.
+    EffectExchange again;
+    EXPECT_EQ(again.send(*m_files.back()), imNoErr);
+    EXPECT_EQ(again.answerBytes(), b);
+    EXPECT_EQ(stages.count("read", 0), 1);
+    EXPECT_EQ(stages.total("decode"), 0);
+    EXPECT_EQ(stages.total("process"), 0);
     // The clip of the default camera: generation 5 of 4 and 5, 14 gamuts, 16
     // gammas, a curve for three gammas, no LUT, no sidecar.
     EXPECT_EQ(getU32(b, kColorScienceCount), 2u);
@@ -360,6 +369,82 @@ TEST_F(PanelDataTest, FailuresOfTheClipObjectFailTheProbe) {
     list.faults.back().attribute = ClipAttr::Gamma;
     list.faults.back().skip = 1;
     expectProbeFails("gamma-values.braw", list, "BM Query Gamma List error");
+    finish();
+}
+
+namespace {
+
+struct InjectedFault {
+    const char* method;
+    uint32_t attribute;
+    uint32_t skip;
+    const char* text;
+};
+
+RefClipModel withFault(const InjectedFault& fault) {
+    RefClipModel model;
+    model.addFault(fault.method, twref::RefResult::Fail);
+    model.faults.back().attribute = fault.attribute;
+    model.faults.back().skip = fault.skip;
+    return model;
+}
+
+}  // namespace
+
+TEST_F(PanelDataTest, EveryClipQueryTheLibraryRefusesIsShownByItsOwnText) {
+    startHost();
+    const char* const list = "ClipProcessingAttributes.GetClipAttributeList";
+    const char* const value = "ClipProcessingAttributes.GetClipAttribute";
+    const char* const range = "ClipProcessingAttributes.GetClipAttributeRange";
+    const InjectedFault faults[] = {
+        {list, ClipAttr::ColorScienceGen, 0, "BM Query Color Science List length error"},
+        {list, ClipAttr::ColorScienceGen, 1, "BM Query Color Science List error"},
+        {list, ClipAttr::Gamut, 0, "BM Query Gamut List Length error"},
+        {list, ClipAttr::Gamma, 0, "BM Query Gamma List length error"},
+        {value, ClipAttr::ColorScienceGen, 0, "Impossible to get ColorScienceGen from BM"},
+        {value, ClipAttr::Gamut, 0, "Impossible to get Gamut from BM"},
+        {value, ClipAttr::GamutCompressionEnable, 0, "Impossible to get Gamut Compression Enabled from BM"},
+        {value, ClipAttr::Gamma, 0, "Impossible to get Gamma from BM"},
+        {range, ClipAttr::HighlightRecovery, 0, "Impossible to get Highlight Recovery Range from BM"},
+        {value, ClipAttr::HighlightRecovery, 0, "Impossible to get Highlight Recovery from BM"},
+        {range, ClipAttr::ToneCurveSaturation, 0, "Impossible to get Saturation Range from BM"},
+        {value, ClipAttr::ToneCurveMidpoint, 0, "Impossible to get Midpoint from BM"},
+        {range, ClipAttr::ToneCurveVideoBlackLevel, 0, "Impossible to get Video BlackLvl Range from BM"},
+        {value, ClipAttr::ToneCurveVideoBlackLevel, 0, "Impossible to get Video BlackLvl from BM"},
+    };
+    int n = 0;
+    for (const InjectedFault& fault : faults) {
+        expectProbeFails("fault" + std::to_string(n++) + ".braw", withFault(fault), fault.text);
+    }
+    finish();
+}
+
+TEST_F(PanelDataTest, EveryFrameQueryTheLibraryRefusesFailsTheProbeWithItsTextInTheLog) {
+    writeOptions("INFO");
+    startHost();
+    const InjectedFault faults[] = {
+        {"Frame.GetISOList", 0, 0, "BM Query ISO List length error"},
+        {"Frame.GetISOList", 0, 1, "BM Query ISO List error"},
+        {"Frame.GetClipAttribute", FrameAttr::ISO, 0, "Impossible to get ISO from BM"},
+        {"Frame.GetClipAttributeRange", FrameAttr::WhiteBalanceKelvin, 0, "Impossible to get ColorTemp Range from BM"},
+        {"Frame.GetClipAttribute", FrameAttr::WhiteBalanceKelvin, 0, "Impossible to get ColorTemp from BM"},
+        {"Frame.GetClipAttributeRange", FrameAttr::WhiteBalanceTint, 0, "Impossible to get Tint Range from BM"},
+        {"Frame.GetClipAttribute", FrameAttr::WhiteBalanceTint, 0, "Impossible to get Tint from BM"},
+        {"Frame.GetClipAttributeRange", FrameAttr::Exposure, 0, "Impossible to get Exposure Range from BM"},
+        {"Frame.GetClipAttribute", FrameAttr::Exposure, 0, "Impossible to get Exposure from BM"},
+    };
+    int n = 0;
+    for (const InjectedFault& fault : faults) {
+        expectProbeFails("frame-fault" + std::to_string(n++) + ".braw", withFault(fault),
+                         "Error happened ! Impossible to call initClipSourceSettingsInitData !");
+        EXPECT_NE(logText().find(std::string("(2) getFrameInfosFromBM ") + fault.text), std::string::npos)
+            << fault.text;
+    }
+
+    RefClipModel kelvin;
+    kelvin.frameAttribute(FrameAttr::WhiteBalanceKelvin)->minimum = RefValue::u32(1000);
+    expectProbeFails("kelvin.braw", kelvin, "Error happened ! Impossible to call initClipSourceSettingsInitData !");
+    EXPECT_NE(logText().find("BM ColorTemp Range different than usual : [1000 - 50000]"), std::string::npos);
     finish();
 }
 

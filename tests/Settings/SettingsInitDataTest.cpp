@@ -186,6 +186,19 @@ TEST(SettingsInitData, EveryFieldSitsAtItsWireOffset) {
     EXPECT_EQ(getU32(b, kAdobeTimecode), 86313u);
 }
 
+TEST(SettingsInitData, TheExchangesOffsetsAreThoseOfTheRecordsMembers) {
+    const twImporterSettingsInitData data;
+    const auto at = [&](const void* member) {
+        return static_cast<size_t>(static_cast<const char*>(member) - reinterpret_cast<const char*>(&data));
+    };
+    EXPECT_EQ(at(&data.importerFailed), twImporterSettingsWire::importerFailed);
+    EXPECT_EQ(at(&data.reloadOptionsCommand), twImporterSettingsWire::reloadOptionsCommand);
+    EXPECT_EQ(at(&data.reloadSidecarCommand), twImporterSettingsWire::reloadSidecarCommand);
+    EXPECT_EQ(at(&data.importerAnswered), twImporterSettingsWire::importerAnswered);
+    EXPECT_EQ(at(&data.adobeTimecodeSet), twImporterSettingsWire::adobeTimecodeSet);
+    EXPECT_EQ(at(&data.adobeTimecode), twImporterSettingsWire::adobeTimecode);
+}
+
 TEST(SettingsInitData, APathThatFillsTheFieldIsCutWithoutTerminator) {
     twImporterSettingsInitData data;
     const std::string longPath = "/" + std::string(1100, 'p') + ".braw";

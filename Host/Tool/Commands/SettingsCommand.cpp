@@ -116,6 +116,29 @@ SettingKey switchKey(const char* key, const char* meaning, std::function<bool(co
             }};
 }
 
+// A number of one of the panel's lists (ISOs, colour sciences).
+SettingKey offeredNumber(const char* key, const char* what,
+                         std::function<std::vector<double>(const twImporterSettingsInitData&)> offered,
+                         std::function<bool(const twImporterSettingsInitData&)> readOnly,
+                         std::function<void(twAttributes&, double)> store) {
+    return {key, what,
+            [=](const std::string& given, const std::string& value, const twImporterSettingsInitData& panel,
+                twAttributes& prefs, std::string& refusal) {
+                double number = 0.0;
+                if (!parseNumber(value, number)) return refusal = given + ": not a number", false;
+                if (readOnly && readOnly(panel)) return refusal = given + ": read-only for this clip", false;
+                const std::vector<double> list = offered(panel);
+                if (std::find(list.begin(), list.end(), number) != list.end()) {
+                    store(prefs, number);
+                    return true;
+                }
+                std::string names;
+                for (size_t i = 0; i < list.size(); ++i) names += (i ? ", " : "") + numberText(list[i]);
+                refusal = given + ": not " + std::string(what) + " this clip offers (" + names + ")";
+                return false;
+            }};
+}
+
 // A name of the panel's gamma list (or, without `gamma`, its gamut list).
 SettingKey listed(const char* key, const char* meaning, bool gamma) {
     return {key, meaning,
@@ -140,23 +163,10 @@ SettingKey listed(const char* key, const char* meaning, bool gamma) {
 
 const std::vector<SettingKey>& settingKeys() {
     static const std::vector<SettingKey> keys = {
-        {"iso", "an ISO of the clip's list",
-         [](const std::string& given, const std::string& value, const twImporterSettingsInitData& panel,
-            twAttributes& prefs, std::string& refusal) {
-             double number = 0.0;
-             if (!parseNumber(value, number)) return refusal = given + ": not a number", false;
-             if (panel.isoIsReadOnly) return refusal = given + ": read-only for this clip", false;
-             std::string offered;
-             for (uint32_t i = 0; i < panel.isoCount && i < 30; ++i) {
-                 if (double(panel.isoList[i]) == number) {
-                     prefs.frame.iso = panel.isoList[i];
-                     return true;
-                 }
-                 offered += (i ? ", " : "") + std::to_string(panel.isoList[i]);
-             }
-             refusal = given + ": not an ISO this clip offers (" + offered + ")";
-             return false;
-         }},
+        offeredNumber("iso", "an ISO", [](const twImporterSettingsInitData& p) {
+            return std::vector<double>(p.isoList, p.isoList + std::min<uint32_t>(p.isoCount, 30));
+        }, [](const twImporterSettingsInitData& p) { return p.isoIsReadOnly; },
+                      [](twAttributes& a, double v) { a.frame.iso = static_cast<uint32_t>(v); }),
         ranged(
             "exposure", "stops", [](const twImporterSettingsInitData& p) { return double(p.exposureMin); },
             [](const twImporterSettingsInitData& p) { return double(p.exposureMax); }, nullptr,
@@ -188,22 +198,10 @@ const std::vector<SettingKey>& settingKeys() {
                   [](twAttributes& a, bool v) { a.clip.gamutCompression = v; }),
         listed("gamma", "a gamma of the clip's list", true),
         listed("gamut", "a gamut of the clip's list", false),
-        {"color_science", "a generation of the clip's list (4, 5)",
-         [](const std::string& given, const std::string& value, const twImporterSettingsInitData& panel,
-            twAttributes& prefs, std::string& refusal) {
-             double number = 0.0;
-             if (!parseNumber(value, number)) return refusal = given + ": not a number", false;
-             std::string offered;
-             for (uint32_t i = 0; i < panel.colorScienceCount && i < 2; ++i) {
-                 if (double(panel.colorScienceList[i]) == number) {
-                     prefs.clip.colorScienceGen = panel.colorScienceList[i];
-                     return true;
-                 }
-                 offered += (i ? ", " : "") + std::to_string(panel.colorScienceList[i]);
-             }
-             refusal = given + ": not a colour science this clip offers (" + offered + ")";
-             return false;
-         }},
+        offeredNumber("color_science", "a colour science", [](const twImporterSettingsInitData& p) {
+            return std::vector<double>(p.colorScienceList,
+                                       p.colorScienceList + std::min<uint32_t>(p.colorScienceCount, 2));
+        }, nullptr, [](twAttributes& a, double v) { a.clip.colorScienceGen = static_cast<uint16_t>(v); }),
     };
     return keys;
 }

@@ -1,7 +1,13 @@
+#include "_qvBRAW_Importer/Entry.h"
 #include "_qvBRAW_Importer/Handlers.h"
 #include "_qvBRAW_Importer/Utils.h"
 
+#include "TW_Settings_Utils/RemoteHostPopup.h"
 #include "twImporterSharedPrefs/twImporterGetPrefs.h"
+#include "Common/TW_Debug_Options.h"
+#include "Utils/qvLogging.h"
+
+#include <exception>
 
 namespace {
 
@@ -23,8 +29,37 @@ PXC_HOST GetHost_PPro_From_Suite(imStdParms* stdParms) {
 
 void SDKGetPrefs8(imStdParms* stdParms, imFileAccessRec8* fileAccess, imGetPrefsRec* prefsRec) {
     twImporterPrefsServices services;
-    // Seam: the settings popup (twOpenSourceSettingsPopup) is not wired yet, so
-    // After Effects and Media Encoder get the default blob and no popup.
+    services.openSettingsPopup = [](int32_t host, const char* bundleIdentifier, const qvUtf8String& filePath,
+                                    bool& optionsChanged, twAttributes& attributes) {
+        // The popup reads the application's "modified" answer only for a caller
+        // that asks for it by passing true; an answer that says nothing leaves
+        // it true, and the options are then read again, which changes nothing
+        // when they did not change.
+        bool modified = true;
+        twOpenSourceSettingsPopup(static_cast<PXC_HOST>(host), bundleIdentifier, filePath, modified, attributes);
+        optionsChanged = modified;
+    };
     services.updateLogs = [stdParms] { UpdateLogs(stdParms, false); };
     TWI_GetPrefs(GetHost_PPro_From_Suite(stdParms), fileAccess, prefsRec, services);
+}
+
+csSDK_int32 twOpenPreferences(imStdParms* stdParms, csSDK_int32 tab, csSDK_int32* modified) {
+    try {
+        bool changed = false;
+        twHostOpenSettings_WithLogs(GetHost_PPro_From_Suite(stdParms), static_cast<TABS_ID>(tab), &changed,
+                                    TW_IMPORTER_BUNDLE_IDENTIFIER);
+        if (modified) *modified = changed ? 1 : 0;
+        // What the source settings effect has the importer do after the same
+        // window reported a change.
+        if (changed) {
+            TWDebugOptions::loadDebugOptions();
+            UpdateLogs(stdParms, false);
+        }
+        return imNoErr;
+    } catch (const std::exception& error) {
+        QV_LOG(QV_LOG_ERR, "Preferences popup : " << error.what());
+    } catch (...) {
+        QV_LOG(QV_LOG_ERR, "Preferences popup : unknown exception");
+    }
+    return 99;
 }

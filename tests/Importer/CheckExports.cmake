@@ -1,5 +1,5 @@
 # Fails unless the module's dynamic symbol table defines exactly the importer's
-# entry, the test-roots hook and the decoder library's dispatch functions.
+# entry, the test-roots hook, the preferences hook and the decoder library's dispatch functions.
 execute_process(COMMAND ${NM} -D --defined-only ${MODULE}
                 OUTPUT_VARIABLE _symbols RESULT_VARIABLE _rc)
 if(NOT _rc EQUAL 0)
@@ -16,7 +16,7 @@ set(_expected
   CreateBlackmagicRawFactoryInstance CreateBlackmagicRawFactoryInstanceFromBundle
   CreateBlackmagicRawFactoryInstanceFromExeRelativePath CreateBlackmagicRawFactoryInstanceFromPath
   SafeArrayAccessData SafeArrayCreate SafeArrayDestroy SafeArrayGetLBound SafeArrayGetUBound
-  SafeArrayGetVartype SafeArrayUnaccessData VariantClear VariantInit twSetTestRoots xImportEntry)
+  SafeArrayGetVartype SafeArrayUnaccessData VariantClear VariantInit twOpenPreferences twSetTestRoots xImportEntry)
 list(SORT _expected)
 if(NOT _names STREQUAL _expected)
   message(FATAL_ERROR "unexpected exports: ${_names}")

@@ -14,8 +14,8 @@ void ClipImportTest::TearDown() {
     if (m_host && !m_finished) finish();
 }
 
-twSimHost& ClipImportTest::startHost(const twSimIdentity& identity) {
-    twSimHost& host = start(identity);
+twSimHost& ClipImportTest::startHost(const twSimIdentity& identity, const std::string& plugin) {
+    twSimHost& host = start(identity, plugin);
     EXPECT_EQ(host.init(), imNoErr);
     m_finished = false;
     return host;

@@ -21,7 +21,8 @@ protected:
     void TearDown() override;
 
     // A started and initialised host.
-    twSimHost& startHost(const twSimIdentity& identity = twSimIdentity::PremierePro());
+    twSimHost& startHost(const twSimIdentity& identity = twSimIdentity::PremierePro(),
+                         const std::string& plugin = TW_IMPORTER_PLUGIN);
     // Writes `model` as test-folder/<name> and gives its path.
     std::string writeClip(const std::string& name, const twref::RefClipModel& model) const;
     // The host's import of `path`; the file stays the test's until the end.

@@ -22,7 +22,7 @@ ImporterTest::ImporterTest() : m_home(m_folder.makeFolder("home")), m_root(m_fol
 #endif
 }
 
-twSimHost& ImporterTest::start(const twSimIdentity& identity) {
+twSimHost& ImporterTest::start(const twSimIdentity& identity, const std::string& plugin) {
     m_host.reset();
     twSimHostConfig config;
     config.identity = identity;
@@ -30,7 +30,7 @@ twSimHost& ImporterTest::start(const twSimIdentity& identity) {
     config.testHome = m_home;
     config.testSystemRoot = m_root;
     m_host = std::make_unique<twSimHost>(config);
-    m_host->loadPlugin(TW_IMPORTER_PLUGIN);
+    m_host->loadPlugin(plugin);
     return *m_host;
 }
 

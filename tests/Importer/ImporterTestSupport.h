@@ -23,9 +23,11 @@ protected:
     // The home folder is empty; the system root holds a complete install.
     ImporterTest();
 
-    // A fresh host of that identity with the plug-in loaded and the test roots
-    // handed over. The previous host, if any, is shut down and destroyed first.
-    twSimHost& start(const twSimIdentity& identity = twSimIdentity::PremierePro());
+    // A fresh host of that identity with the plug-in (the built one unless
+    // another path is given) loaded and the test roots handed over. The previous
+    // host, if any, is shut down and destroyed first.
+    twSimHost& start(const twSimIdentity& identity = twSimIdentity::PremierePro(),
+                     const std::string& plugin = TW_IMPORTER_PLUGIN);
     twSimHost& host() { return *m_host; }
     void stop() { m_host.reset(); }
 

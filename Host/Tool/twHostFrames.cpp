@@ -1,5 +1,7 @@
 #include "twHostFrames.h"
 
+#include "twHostClipSupport.h"
+
 #include "twSimAsyncReader.h"
 #include "twSimHost.h"
 #include "twSimPixelFormat.h"
@@ -225,16 +227,33 @@ void twHostPictureOptions::addTo(CLI::App& command) {
         ->type_name("FORMAT");
 }
 
-bool twHostPictureOptions::resolve(const twSimFile& file, std::vector<long long>& frameList, int& width,
-                                   int& height, const twHostPixelFormat*& pixelFormat, std::string& error) const {
-    pixelFormat = twHostFindPixelFormat(format);
-    if (!pixelFormat) {
+bool twHostPictureOptions::resolve(const twSimFile& file, twHostPictureRequest& out, std::string& error) const {
+    out.format = twHostFindPixelFormat(format);
+    if (!out.format) {
         error = "--format " + format + ": one of " + twHostPixelFormatNames();
         return false;
     }
     const imFileInfoRec8& info = file.info();
-    if (!twHostParseSize(size, info.vidInfo.imageWidth, info.vidInfo.imageHeight, width, height, error)) return false;
-    return twHostParseFrames(frames, info.vidDurationInFrames, frameList, error);
+    if (!twHostParseSize(size, info.vidInfo.imageWidth, info.vidInfo.imageHeight, out.width, out.height, error)) {
+        return false;
+    }
+    return twHostParseFrames(frames, info.vidDurationInFrames, out.frames, error);
+}
+
+std::unique_ptr<twSimFile> twHostPictureOptions::importClip(twHostSession& session, const std::string& clip,
+                                                            twHostPictureRequest& out, int& code) const {
+    std::unique_ptr<twSimFile> file = twHostImportClip(session, clip);
+    code = kExitPluginFailure;
+    if (!file) return nullptr;
+    std::string error;
+    if (!resolve(*file, out, error)) {
+        session.err << error << "\n";
+        file->close();
+        code = kExitUsage;
+        return nullptr;
+    }
+    code = kExitOk;
+    return file;
 }
 
 twHostProgress::twHostProgress(std::ostream& err, const char* what, size_t total)

@@ -84,6 +84,16 @@ namespace CLI {
 class App;
 }
 
+struct twHostSession;
+
+// What the options come to for one clip.
+struct twHostPictureRequest {
+    std::vector<long long> frames;
+    int width = 0;
+    int height = 0;
+    const twHostPixelFormat* format = nullptr;
+};
+
 // --frames, --size and --format as the picture commands take them, and what
 // they come to for one clip.
 struct twHostPictureOptions {
@@ -93,8 +103,12 @@ struct twHostPictureOptions {
 
     void addTo(CLI::App& command);
     // The frames, size and pixel format for `file`; false with the reason.
-    bool resolve(const twSimFile& file, std::vector<long long>& frameList, int& width, int& height,
-                 const twHostPixelFormat*& pixelFormat, std::string& error) const;
+    bool resolve(const twSimFile& file, twHostPictureRequest& out, std::string& error) const;
+    // The clip imported as a host imports it, and the options resolved for it.
+    // Null when either fails, with the reason told on the error stream and the
+    // exit code in `code`.
+    std::unique_ptr<twSimFile> importClip(twHostSession& session, const std::string& clip, twHostPictureRequest& out,
+                                          int& code) const;
 };
 
 // "\r<what> <done>/<total>" on the error stream when it is a terminal, and the

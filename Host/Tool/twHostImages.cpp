@@ -1,6 +1,9 @@
 #include "twHostImages.h"
 
-#include <OpenImageIO/imageio.h>
+#include "twHostImageWriter.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -34,21 +37,30 @@ float unitValue(const twHostPicture& p, const unsigned char* pixel, int channel)
     }
 }
 
-bool writeWithOiio(const std::string& path, int width, int height, OIIO::TypeDesc fileType,
-                   OIIO::TypeDesc memoryType, const void* data, std::string& error) {
-    std::unique_ptr<OIIO::ImageOutput> out = OIIO::ImageOutput::create(path);
-    if (!out) {
-        error = path + ": " + OIIO::geterror();
-        return false;
-    }
-    OIIO::ImageSpec spec(width, height, 4, fileType);
-    spec.channelnames = {"R", "G", "B", "A"};
-    spec.alpha_channel = 3;
-    if (!out->open(path, spec) || !out->write_image(memoryType, data) || !out->close()) {
-        error = path + ": " + out->geterror();
-        return false;
-    }
-    return true;
+// The image module beside the program, loaded on first use and kept.
+twHostImageWriteFunc imageWriter(std::string& error) {
+    static twHostImageWriteFunc s_write = [] {
+        char self[4096] = {};
+        const ssize_t length = readlink("/proc/self/exe", self, sizeof(self) - 1);
+        if (length <= 0) return twHostImageWriteFunc();
+        std::string folder(self, static_cast<size_t>(length));
+        folder = folder.substr(0, folder.rfind('/') + 1);
+        void* module = dlopen((folder + TW_HOST_IMAGE_MODULE).c_str(), RTLD_NOW | RTLD_LOCAL);
+        return module ? reinterpret_cast<twHostImageWriteFunc>(dlsym(module, TW_HOST_IMAGE_WRITE_SYMBOL))
+                      : twHostImageWriteFunc();
+    }();
+    if (!s_write) error = std::string("the image module ") + TW_HOST_IMAGE_MODULE + " beside the program can't be loaded";
+    return s_write;
+}
+
+bool writeImage(const std::string& path, int width, int height, int memoryType, int fileType, const void* data,
+                std::string& error) {
+    const twHostImageWriteFunc write = imageWriter(error);
+    if (!write) return false;
+    char text[512] = {};
+    if (write(path.c_str(), width, height, memoryType, fileType, data, text, sizeof(text))) return true;
+    error = text;
+    return false;
 }
 
 }  // namespace
@@ -66,8 +78,8 @@ bool twHostWriteImage(const std::string& path, const twHostPicture& picture, boo
             std::vector<unsigned char> rgba(pixels * 4);
             for (size_t i = 0; i < pixels; ++i)
                 for (int c = 0; c < 4; ++c) rgba[4 * i + c] = picture.bytes[4 * i + kFileFromHost[c]];
-            return writeWithOiio(path, picture.width, picture.height, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT8,
-                                 rgba.data(), error);
+            return writeImage(path, picture.width, picture.height, TW_HOST_IMAGE_U8, TW_HOST_IMAGE_U8, rgba.data(),
+                              error);
         }
         case 2: {
             std::vector<uint16_t> rgba(pixels * 4);
@@ -78,17 +90,16 @@ bool twHostWriteImage(const std::string& path, const twHostPicture& picture, boo
                     rgba[4 * i + c] = widen16(v);
                 }
             }
-            return writeWithOiio(path, picture.width, picture.height, OIIO::TypeDesc::UINT16, OIIO::TypeDesc::UINT16,
-                                 rgba.data(), error);
+            return writeImage(path, picture.width, picture.height, TW_HOST_IMAGE_U16, TW_HOST_IMAGE_U16, rgba.data(),
+                              error);
         }
         default: {
             std::vector<float> rgba(pixels * 4);
             for (size_t i = 0; i < pixels; ++i)
                 for (int c = 0; c < 4; ++c)
                     std::memcpy(&rgba[4 * i + c], picture.bytes.data() + 16 * i + 4 * kFileFromHost[c], 4);
-            return writeWithOiio(path, picture.width, picture.height,
-                                 exrFloat ? OIIO::TypeDesc::FLOAT : OIIO::TypeDesc::HALF, OIIO::TypeDesc::FLOAT,
-                                 rgba.data(), error);
+            return writeImage(path, picture.width, picture.height, TW_HOST_IMAGE_FLOAT,
+                              exrFloat ? TW_HOST_IMAGE_FLOAT : TW_HOST_IMAGE_HALF, rgba.data(), error);
         }
     }
 }
@@ -156,5 +167,5 @@ bool twHostContactSheet::write(const std::string& path, std::string& error) cons
                         t.rgba.data() + static_cast<size_t>(y) * t.width * 4, static_cast<size_t>(t.width) * 4);
         }
     }
-    return writeWithOiio(path, width, height, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT8, sheet.data(), error);
+    return writeImage(path, width, height, TW_HOST_IMAGE_U8, TW_HOST_IMAGE_U8, sheet.data(), error);
 }

@@ -52,7 +52,7 @@ bool qvBRAW_Manager_Callback::endIfCancelled(qvBRAW_Request* request) {
 }
 
 bool qvBRAW_Manager_Callback::submitNextJob(qvBRAW_Request* request, IBlackmagicRawJob* job, int code,
-                                            const char* userDataError, const char* submitError, const char*) {
+                                            const char* userDataError, const char* submitError) {
     HRESULT hr = job->SetUserData(request);
     if (FAILED(hr)) {
         // The job was never submitted: ours is its only reference.
@@ -167,7 +167,7 @@ void qvBRAW_Manager_Callback::ReadComplete(IBlackmagicRawJob* job, HRESULT, IBla
         return;
     }
     if (!submitNextJob(request, decodeJob, TW_REQUEST_ERROR_DECODE_JOB, "Impossible to Set UserData on decodeJob !",
-                       "Impossible to submit DecodeJob ! ", "Impossible to Release decodeJob !")) {
+                       "Impossible to submit DecodeJob ! ")) {
         return;
     }
     request->m_mutex.unlock();
@@ -195,7 +195,7 @@ void qvBRAW_Manager_Callback::DecodeComplete(IBlackmagicRawJob* job, HRESULT) {
         return;
     }
     if (!submitNextJob(request, processJob, code, "Impossible to Set UserData on processJob ! ",
-                       "Impossible to Submit processJob ! ", "Impossible to Release processJob ! ")) {
+                       "Impossible to Submit processJob ! ")) {
         return;
     }
     request->m_mutex.unlock();
@@ -229,43 +229,26 @@ void qvBRAW_Manager_Callback::ProcessComplete(IBlackmagicRawJob* job, HRESULT re
         return;
     }
 
-    hr = image->GetResourceType(&buffers->m_resourceType);
-    if (FAILED(hr)) {
+    // Every check of the image ends the request the same way.
+    auto failed = [request](HRESULT result, const char* text) {
+        if (SUCCEEDED(result)) return false;
         request->m_processedImage = nullptr;
-        request->HandleError(TW_REQUEST_ERROR_PROCESSED_IMAGE, hr, "Impossible to GetResourceType ! ", true);
-        return;
-    }
+        request->HandleError(TW_REQUEST_ERROR_PROCESSED_IMAGE, result, text, true);
+        return true;
+    };
+    if (failed(image->GetResourceType(&buffers->m_resourceType), "Impossible to GetResourceType ! ")) return;
     BlackmagicRawResourceFormat format = 0;
     hr = image->GetResourceFormat(&format);
-    if (FAILED(hr)) {
-        request->m_processedImage = nullptr;
-        request->HandleError(TW_REQUEST_ERROR_PROCESSED_IMAGE, hr, "Failed GetResourceFormat - ", true);
-        return;
-    }
+    if (failed(hr, "Failed GetResourceFormat - ")) return;
     if (format != request->m_bmPixelFormat) {
         request->m_processedImage = nullptr;
         request->HandleError(TW_REQUEST_ERROR_PROCESSED_IMAGE, hr, "Final Format is not the same than requested one !",
                              true);
         return;
     }
-    hr = image->GetWidth(&request->m_srcWidth);
-    if (FAILED(hr)) {
-        request->m_processedImage = nullptr;
-        request->HandleError(TW_REQUEST_ERROR_PROCESSED_IMAGE, hr, "Failed GetWidth - ", true);
-        return;
-    }
-    hr = image->GetHeight(&request->m_srcHeight);
-    if (FAILED(hr)) {
-        request->m_processedImage = nullptr;
-        request->HandleError(TW_REQUEST_ERROR_PROCESSED_IMAGE, hr, "Failed GetHeight - ", true);
-        return;
-    }
-    hr = image->GetResourceSizeBytes(&buffers->m_processedBufferSize);
-    if (FAILED(hr)) {
-        request->m_processedImage = nullptr;
-        request->HandleError(TW_REQUEST_ERROR_PROCESSED_IMAGE, hr, "Failed GetResourceSizeBytes - ", true);
-        return;
-    }
+    if (failed(image->GetWidth(&request->m_srcWidth), "Failed GetWidth - ")) return;
+    if (failed(image->GetHeight(&request->m_srcHeight), "Failed GetHeight - ")) return;
+    if (failed(image->GetResourceSizeBytes(&buffers->m_processedBufferSize), "Failed GetResourceSizeBytes - ")) return;
     if (g_logger.isLoggingActivated(QV_LOG_INFO)) {
         const uint64_t expected = static_cast<uint64_t>(request->m_srcWidth) * request->m_srcHeight *
                                   request->m_bmBytesPerPixel;

@@ -2,8 +2,10 @@
 // choice of algorithm and resource format per request, and the passes
 // themselves. Every pass is a single-threaded walk over the rows on the
 // library's callback thread, under the request's m_mutex, and none of them
-// takes memory: the hot loops work on local __restrict cursors so that the
-// compiler vectorises them.
+// takes memory. The hot loops take their cursors as __restrict parameters, so
+// that the compiler knows source and frame apart and vectorises them, or work
+// on explicit eight-element vectors where the element pattern is too irregular
+// for the compiler to see.
 
 #include "Manager/Request.h"
 #include "Manager/twBufferManager.h"
@@ -29,6 +31,19 @@ constexpr uint32_t kNoResourceFormat = 0;
 // compare, so that loops of it vectorise.
 inline uint16_t hostFrom16(uint16_t v) { return v == 65535 ? kAlpha16 : static_cast<uint16_t>(v >> 1); }
 
+// Eight 16-bit elements in one 16-byte register, for the loops whose element
+// pattern the compiler doesn't turn into vectors by itself. Pixels are read
+// as little-endian words: element 0 is the lowest.
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "pixels are read as little-endian words");
+typedef uint16_t qvU16x8 __attribute__((vector_size(16)));
+typedef uint64_t qvU64x2 __attribute__((vector_size(16)));
+
+// The same rule on eight elements: the same select on the same compare.
+inline qvU16x8 hostFrom16(qvU16x8 v) {
+    const qvU16x8 top = reinterpret_cast<qvU16x8>(v == 65535);
+    return (top & kAlpha16) | (~top & (v >> 1));
+}
+
 template <typename T>
 inline T load(const unsigned char* p) {
     T v;
@@ -53,30 +68,58 @@ void copierB(qvBRAW_Request* request, unsigned char** dst, unsigned char** src, 
     request->CopyMemoryCPUorGPU(*dst, *src, count, false);
 }
 
+// `count` elements through the range rule. The cursors are parameters so
+// that the compiler knows they don't overlap and vectorises the loop.
+void ruleElements(unsigned char* __restrict d, const unsigned char* __restrict s, unsigned long count) {
+    const unsigned long vectors = count / 8;
+    for (unsigned long i = 0; i < vectors; ++i) store<qvU16x8>(d + 16 * i, hostFrom16(load<qvU16x8>(s + 16 * i)));
+    for (unsigned long i = vectors * 8; i < count; ++i) store<uint16_t>(d + 2 * i, hostFrom16(load<uint16_t>(s + 2 * i)));
+}
+
+// Whole four-element pixels: three elements through the rule, the fourth
+// 32768. Two pixels make one vector.
+constexpr qvU16x8 kColourLanes = {0xFFFF, 0xFFFF, 0xFFFF, 0, 0xFFFF, 0xFFFF, 0xFFFF, 0};
+constexpr qvU16x8 kAlphaLast = {0, 0, 0, kAlpha16, 0, 0, 0, kAlpha16};
+
+void rulePixelsOpaque(unsigned char* __restrict d, const unsigned char* __restrict s, size_t pixels) {
+    const size_t pairs = pixels / 2;
+    for (size_t p = 0; p < pairs; ++p) {
+        store<qvU16x8>(d + 16 * p, (hostFrom16(load<qvU16x8>(s + 16 * p)) & kColourLanes) | kAlphaLast);
+    }
+    if (pixels % 2) {
+        const size_t last = 8 * (pixels - 1);
+        store<uint16_t>(d + last, hostFrom16(load<uint16_t>(s + last)));
+        store<uint16_t>(d + last + 2, hostFrom16(load<uint16_t>(s + last + 2)));
+        store<uint16_t>(d + last + 4, hostFrom16(load<uint16_t>(s + last + 4)));
+        store<uint16_t>(d + last + 6, kAlpha16);
+    }
+}
+
 // C: each 16-bit element through the range rule. Moves the cursors.
 void copierC(qvBRAW_Request*, unsigned char** dst, unsigned char** src, const unsigned long& count) {
-    unsigned char* __restrict d = *dst;
-    const unsigned char* __restrict s = *src;
-    for (unsigned long i = 0; i < count; ++i) store<uint16_t>(d + 2 * i, hostFrom16(load<uint16_t>(s + 2 * i)));
+    ruleElements(*dst, *src, count);
     *dst += count * 2;
     *src += count * 2;
+}
+
+// Three floats copied, then 1.0, `groups` times.
+void threeFloatsToFour(unsigned char* __restrict d, const unsigned char* __restrict s, size_t groups) {
+    const float one = 1.0f;
+    for (size_t g = 0; g < groups; ++g) {
+        std::memcpy(d + 16 * g, s + 12 * g, 12);
+        std::memcpy(d + 16 * g + 12, &one, 4);
+    }
 }
 
 // D: three-float pixels into four-float ones. Counted from the run's leading
 // alpha, three floats are copied and the fourth position is 1.0, unread. Moves
 // the cursors; the source cursor ends on the last float read plus one.
 void copierD(qvBRAW_Request*, unsigned char** dst, unsigned char** src, const unsigned long& count) {
-    float* __restrict d = reinterpret_cast<float*>(*dst);
-    const float* __restrict s = reinterpret_cast<const float*>(*src);
-    const unsigned long groups = count / 4;
-    const float one = 1.0f;
-    for (unsigned long g = 0; g < groups; ++g) {
-        std::memcpy(d + 4 * g, s + 3 * g, 3 * sizeof(float));
-        std::memcpy(d + 4 * g + 3, &one, sizeof(float));
-    }
-    const unsigned long tail = count - groups * 4;
-    const unsigned long tailCopied = std::min(tail, 3UL);
-    std::memcpy(d + 4 * groups, s + 3 * groups, tailCopied * sizeof(float));
+    const size_t groups = count / 4;
+    threeFloatsToFour(*dst, *src, groups);
+    const size_t tail = count - groups * 4;
+    const size_t tailCopied = std::min<size_t>(tail, 3);
+    std::memcpy(*dst + 16 * groups, *src + 12 * groups, tailCopied * sizeof(float));
     *dst += count * sizeof(float);
     *src += (3 * groups + tailCopied) * sizeof(float);
 }
@@ -158,6 +201,88 @@ inline unsigned char* downscaleStretch(unsigned char* dst, const unsigned char* 
     return dst;
 }
 
+// Faster forms of the stretch for the small pixels, two pixels at a time;
+// each writes exactly what its pixel function writes.
+
+// a: 255 R G B from R G B A, as a word: one shift and one or.
+template <>
+inline unsigned char* downscaleStretch<&pixelA>(unsigned char* dst, const unsigned char* row, const int32_t* offsets,
+                                                uint32_t count) {
+    unsigned char* d = dst;
+    uint32_t i = 0;
+    for (; i + 2 <= count; i += 2) {
+        const uint64_t first = (load<uint32_t>(row + offsets[i]) << 8) | 0xFFu;
+        const uint64_t second = (load<uint32_t>(row + offsets[i + 1]) << 8) | 0xFFu;
+        store<uint64_t>(d, first | (second << 32));
+        d += 8;
+    }
+    if (i < count) {
+        store<uint32_t>(d, (load<uint32_t>(row + offsets[i]) << 8) | 0xFFu);
+        d += 4;
+    }
+    return d;
+}
+
+// d: four bytes as they are.
+template <>
+inline unsigned char* downscaleStretch<&pixelD>(unsigned char* dst, const unsigned char* row, const int32_t* offsets,
+                                                uint32_t count) {
+    unsigned char* d = dst;
+    uint32_t i = 0;
+    for (; i + 2 <= count; i += 2) {
+        const uint64_t first = load<uint32_t>(row + offsets[i]);
+        const uint64_t second = load<uint32_t>(row + offsets[i + 1]);
+        store<uint64_t>(d, first | (second << 32));
+        d += 8;
+    }
+    if (i < count) {
+        std::memcpy(d, row + offsets[i], 4);
+        d += 4;
+    }
+    return d;
+}
+
+// b and e: two 16-bit pixels in one vector through the rule, then moved
+// (b: up one element, alpha first) or masked (e: alpha last).
+template <bool alphaFirst>
+inline unsigned char* downscaleStretch16(unsigned char* dst, const unsigned char* row, const int32_t* offsets,
+                                         uint32_t count) {
+    constexpr qvU16x8 kAlphaFirst = {kAlpha16, 0, 0, 0, kAlpha16, 0, 0, 0};
+    unsigned char* d = dst;
+    uint32_t i = 0;
+    for (; i + 2 <= count; i += 2) {
+        const qvU64x2 pair = {load<uint64_t>(row + offsets[i]), load<uint64_t>(row + offsets[i + 1])};
+        const qvU16x8 converted = hostFrom16(reinterpret_cast<qvU16x8>(pair));
+        if (alphaFirst) {
+            store<qvU16x8>(d, reinterpret_cast<qvU16x8>(reinterpret_cast<qvU64x2>(converted) << 16) | kAlphaFirst);
+        } else {
+            store<qvU16x8>(d, (converted & kColourLanes) | kAlphaLast);
+        }
+        d += 16;
+    }
+    if (i < count) {
+        unsigned char* s = const_cast<unsigned char*>(row + offsets[i]);
+        if (alphaFirst) {
+            pixelB(&d, &s);
+        } else {
+            pixelE(&d, &s);
+        }
+    }
+    return d;
+}
+
+template <>
+inline unsigned char* downscaleStretch<&pixelB>(unsigned char* dst, const unsigned char* row, const int32_t* offsets,
+                                                uint32_t count) {
+    return downscaleStretch16<true>(dst, row, offsets, count);
+}
+
+template <>
+inline unsigned char* downscaleStretch<&pixelE>(unsigned char* dst, const unsigned char* row, const int32_t* offsets,
+                                                uint32_t count) {
+    return downscaleStretch16<false>(dst, row, offsets, count);
+}
+
 // The same through a pixel function that is only known at run time.
 inline unsigned char* downscaleStretch(qvBRAW_PixelFunction fn, unsigned char* dst, const unsigned char* row,
                                        const int32_t* offsets, uint32_t count) {
@@ -179,25 +304,28 @@ inline unsigned char* runStretch(qvBRAW_PixelFunction fn, unsigned char* dst, co
     return downscaleStretch(fn, dst, row, offsets, count);
 }
 
-// Planar 16-bit RGB into four-element pixels: alpha 32768 at `alphaAt`, the
-// planes through the range rule at the three other indices. The destination
-// starts at its last row and walks up by the signed stride.
+// One row of planar 16-bit RGB into four-element pixels: alpha 32768 at
+// index A, the planes through the range rule at P0, P1 and P2.
+template <int P0, int P1, int P2, int A>
+void planarRow(unsigned char* __restrict d, const unsigned char* __restrict p0, const unsigned char* __restrict p1,
+               const unsigned char* __restrict p2, size_t width) {
+    for (size_t x = 0; x < width; ++x) {
+        store<uint16_t>(d + 8 * x + 2 * A, kAlpha16);
+        store<uint16_t>(d + 8 * x + 2 * P0, hostFrom16(load<uint16_t>(p0 + 2 * x)));
+        store<uint16_t>(d + 8 * x + 2 * P1, hostFrom16(load<uint16_t>(p1 + 2 * x)));
+        store<uint16_t>(d + 8 * x + 2 * P2, hostFrom16(load<uint16_t>(p2 + 2 * x)));
+    }
+}
+
+// The destination starts at its last row and walks up by the signed stride.
+template <int P0, int P1, int P2, int A>
 void planar16ToInterleaved(unsigned char* dstBase, const unsigned char* srcBase, uint32_t Ws, uint32_t Hs,
-                           int32_t R, const int (&planeTo)[3], int alphaAt) {
+                           int32_t R) {
     const size_t plane = static_cast<size_t>(Ws) * Hs * 2;
     for (uint32_t y = 0; y < Hs; ++y) {
-        unsigned char* __restrict d =
-            dstBase + static_cast<ptrdiff_t>(Hs - 1 - y) * static_cast<ptrdiff_t>(R);
-        const unsigned char* __restrict p0 = srcBase + static_cast<size_t>(y) * Ws * 2;
-        const unsigned char* __restrict p1 = p0 + plane;
-        const unsigned char* __restrict p2 = p1 + plane;
-        for (uint32_t x = 0; x < Ws; ++x) {
-            unsigned char* px = d + 8 * static_cast<size_t>(x);
-            store<uint16_t>(px + 2 * alphaAt, kAlpha16);
-            store<uint16_t>(px + 2 * planeTo[0], hostFrom16(load<uint16_t>(p0 + 2 * x)));
-            store<uint16_t>(px + 2 * planeTo[1], hostFrom16(load<uint16_t>(p1 + 2 * x)));
-            store<uint16_t>(px + 2 * planeTo[2], hostFrom16(load<uint16_t>(p2 + 2 * x)));
-        }
+        unsigned char* d = dstBase + static_cast<ptrdiff_t>(Hs - 1 - y) * static_cast<ptrdiff_t>(R);
+        const unsigned char* p0 = srcBase + static_cast<size_t>(y) * Ws * 2;
+        planarRow<P0, P1, P2, A>(d, p0, p0 + plane, p0 + 2 * plane, Ws);
     }
 }
 
@@ -451,23 +579,16 @@ int32_t qvBRAW_Request::HeavyProcessing() {
             // walk. With a buffer addressed from its last row, though, the
             // walk starts at its lowest row as the row walker does: forward
             // from the address given it would run past the end of the frame.
-            unsigned char* __restrict d = dst;
-            if (R < 0 && m_height > 0) d -= static_cast<ptrdiff_t>(m_height - 1) * -R;
-            const unsigned char* __restrict s = src;
-            const size_t pixels = static_cast<size_t>(Ws) * Hs;
-            for (size_t p = 0; p < pixels; ++p) {
-                store<uint16_t>(d + 8 * p, hostFrom16(load<uint16_t>(s + 8 * p)));
-                store<uint16_t>(d + 8 * p + 2, hostFrom16(load<uint16_t>(s + 8 * p + 2)));
-                store<uint16_t>(d + 8 * p + 4, hostFrom16(load<uint16_t>(s + 8 * p + 4)));
-                store<uint16_t>(d + 8 * p + 6, kAlpha16);
-            }
+            unsigned char* start = dst;
+            if (R < 0 && m_height > 0) start -= static_cast<ptrdiff_t>(m_height - 1) * -R;
+            rulePixelsOpaque(start, src, static_cast<size_t>(Ws) * Hs);
             break;
         }
         case 5:
-            planar16ToInterleaved(dst, src, Ws, Hs, m_rowBytes, {1, 2, 3}, 0);
+            planar16ToInterleaved<1, 2, 3, 0>(dst, src, Ws, Hs, m_rowBytes);
             break;
         case 6:
-            planar16ToInterleaved(dst, src, Ws, Hs, m_rowBytes, {2, 1, 0}, 3);
+            planar16ToInterleaved<2, 1, 0, 3>(dst, src, Ws, Hs, m_rowBytes);
             break;
         case 7:
             HeavyProcessing_Main<float, false, true>(1.0f, &copierA, 4);

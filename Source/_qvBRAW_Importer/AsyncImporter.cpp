@@ -24,7 +24,7 @@ constexpr int kFrameNotReady = 0x10000;  // the host asks again later
 // Host results of the reader's selectors, by number.
 constexpr int kAsyncNoErr = 0;
 constexpr int kAsyncUnsupported = 1;
-constexpr int kAsyncNoManager = 2;
+constexpr int kAsyncNoManager = 2;  // also bad prefs
 constexpr int kAsyncStillWaiting = 3;
 
 const char* const kSelectorNames[] = {"InitiateAsyncRead",        "CancelAsyncRead", "Flush", "GetFrame", "Close",
@@ -190,13 +190,7 @@ int SDKAsyncImporter::OnInitiateAsyncRead(imSourceVideoRec* rec) {
         }
     }
     if (DisableImport()) return 0;
-    if (rec->prefs) {
-        const QvResult check = checkPrefsSizeAndVersion(rec->prefs, static_cast<unsigned>(rec->prefsSize));
-        if (check.hasError) {
-            QV_LOG(QV_LOG_ERR, check.toString());
-            return kAsyncNoManager;
-        }
-    }
+    if (TWI_RecordPrefsRefused(*rec)) return kAsyncNoManager;
     PPix** cached = nullptr;
     bool found = false;
     GetFromCache(m_privateData, wrapper, &cached, &found);
@@ -299,13 +293,7 @@ int SDKAsyncImporter::OnGetFrame(imSourceVideoRec* rec) {
     chrono.start();
     auto wrapper = makeWrapper(rec);
     *rec->outFrame = nullptr;
-    if (rec->prefs) {
-        const QvResult check = checkPrefsSizeAndVersion(rec->prefs, static_cast<unsigned>(rec->prefsSize));
-        if (check.hasError) {
-            QV_LOG(QV_LOG_ERR, check.toString());
-            return kAsyncNoManager;
-        }
-    }
+    if (TWI_RecordPrefsRefused(*rec)) return kAsyncNoManager;
     PPix** cached = nullptr;
     bool hit = false;
     GetFromCache(m_privateData, wrapper, &cached, &hit);

@@ -35,6 +35,14 @@ const twImporterAttributes* TWI_AttributesOfRecord(const imSourceVideoRec& rec) 
     return static_cast<const twImporterAttributes*>(static_cast<const twImporterSharedPrefs*>(rec.prefs));
 }
 
+bool TWI_RecordPrefsRefused(const imSourceVideoRec& rec) {
+    if (!rec.prefs) return false;
+    const QvResult check = checkPrefsSizeAndVersion(rec.prefs, static_cast<unsigned>(rec.prefsSize));
+    if (!check.hasError) return false;
+    QV_LOG(QV_LOG_ERR, check.toString());
+    return true;
+}
+
 bool TWI_ManagerWorks(const TWI_PrivateData* privateData) {
     return privateData && privateData->manager && !privateData->manager->m_errorInfo.hasError;
 }
@@ -208,13 +216,7 @@ int SDKGetSourceVideo(imStdParms* stdParms, void*, imSourceVideoRec* sourceVideo
             QV_LOG(QV_LOG_WARN, "[Q" << privateData->importerID << "C" << privateData->clipID << "#" << wrapper->frame
                                      << "] SDKGetSourceVideo Called for "
                                      << GetIntentStr(rec.inRenderContext.inIntent));
-            if (rec.prefs) {
-                const QvResult check = checkPrefsSizeAndVersion(rec.prefs, static_cast<unsigned>(rec.prefsSize));
-                if (check.hasError) {
-                    QV_LOG(QV_LOG_ERR, check.toString());
-                    return 99;
-                }
-            }
+            if (TWI_RecordPrefsRefused(rec)) return 99;
             PPix** cached = nullptr;
             bool found = false;
             GetFromCache(privateData, wrapper, &cached, &found);

@@ -15,6 +15,9 @@ class qvBRAW_Request_PPro;
 
 // The settings of the record's prefs blob, past its header; null without one.
 const twImporterAttributes* TWI_AttributesOfRecord(const imSourceVideoRec& rec);
+// True, with the reason in the log, when the record has a prefs blob that a
+// frame request can't read.
+bool TWI_RecordPrefsRefused(const imSourceVideoRec& rec);
 // A manager that can decode: there, and not in its failed state.
 bool TWI_ManagerWorks(const TWI_PrivateData* privateData);
 // The synchronous decode of a prepared request, with its time or its failure

@@ -5,6 +5,7 @@
 #include "twSimFrameRef.h"
 #include "twSimHost.h"
 
+#include "_qvBRAW_Importer/AsyncImporter.h"
 #include "_qvBRAW_Importer/CachePrefsWrapper.h"
 #include "_qvBRAW_Importer/Handlers.h"
 #include "_qvBRAW_Importer/PPix.h"
@@ -296,4 +297,38 @@ TEST_F(PPixCacheTest, FrameDescriptorChoosesTheSmallestResolutionStillBigEnough)
     old.version = 8;
     EXPECT_EQ(ask(&old, 2048, 1080, result).outBestFrameDescriptor.inWidth, 0);
     EXPECT_EQ(result, imInvalidPreferences);
+}
+
+TEST_F(PPixCacheTest, ReaderWithoutDecoderGivesADarkFrameAndQueuesNothing) {
+    // A file's record with no decoder behind it, as when the library is missing.
+    record()->manager = nullptr;
+    record()->ticksPerSecond = m_host->config().ticksPerSecond;
+    imAsyncImporterCreationRec creation{};
+    creation.inPrivateData = m_handle;
+    ASSERT_EQ(SDKCreateAsyncImporter(m_host->stdParms(), &creation), imNoErr);
+    ASSERT_NE(creation.outAsyncEntry, nullptr);
+    ASSERT_NE(creation.outAsyncPrivateData, nullptr);
+
+    std::vector<imFrameFormat> formats = {{16, 8, PrPixelFormat_BGRA_4444_16u}};
+    PPixHand out = nullptr;
+    aiAsyncRequest request{};
+    request.inPrivateData = creation.outAsyncPrivateData;
+    request.inSourceRec.inPrivateData = creation.outAsyncPrivateData;
+    request.inSourceRec.inFrameFormats = formats.data();
+    request.inSourceRec.inNumFrameFormats = 1;
+    request.inSourceRec.outFrame = &out;
+    EXPECT_EQ(creation.outAsyncEntry(0, &request), 0);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(m_host->frames().createdCount(), 0u);
+
+    imSourceVideoRec get = request.inSourceRec;
+    EXPECT_EQ(creation.outAsyncEntry(3, &get), 0);
+    ASSERT_NE(out, nullptr);
+    twSimFrameRef dark(m_host->frames(), out);
+    EXPECT_EQ(dark.pixel(15, 7), expectedPixel(PrPixelFormat_BGRA_4444_16u, 31, 31, 31));
+    // Without a manager there is nothing to flush; selectors past the last are refused.
+    EXPECT_EQ(creation.outAsyncEntry(2, creation.outAsyncPrivateData), 2);
+    EXPECT_EQ(creation.outAsyncEntry(7, creation.outAsyncPrivateData), 1);
+    EXPECT_EQ(creation.outAsyncEntry(4, creation.outAsyncPrivateData), 0);
+    EXPECT_EQ(creation.outAsyncEntry(4, nullptr), 0);
 }

@@ -152,6 +152,15 @@ TEST_F(ClipImportTest, FramesPastTheEndAndOfAVanishedFileAreFramesAllTheSame) {
     twSimFrameResult back = file.getSourceVideo(file.frameRequest(2, 48, 24, PrPixelFormat_BGRA_4444_8u));
     ASSERT_EQ(back.result, imNoErr);
     EXPECT_EQ(differenceFrom(back.frame, expectedHostFrame(model, 2, 48, 24, PrPixelFormat_BGRA_4444_8u)), "");
+
+    // A request without any frame format can't be served: no frame is made.
+    const unsigned long long created = host().frames().createdCount();
+    twSimFrameRequest formatless = file.frameRequest(1, 48, 24, PrPixelFormat_BGRA_4444_8u);
+    formatless.formats.clear();
+    twSimFrameResult none = file.getSourceVideo(formatless);
+    EXPECT_EQ(none.result, 99);
+    EXPECT_FALSE(none.frame);
+    EXPECT_EQ(host().frames().createdCount(), created);
 }
 
 TEST_F(ClipImportTest, EachFailingStageShowsItsColourAndAMessageAndStaysOutOfTheCache) {

@@ -31,27 +31,6 @@ int loadedDecoderCount() {
     return count;
 }
 
-// Releases all waiting threads at once.
-class StartLine {
-public:
-    void wait() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_condition.wait(lock, [this] { return m_open; });
-    }
-    void open() {
-        {
-            std::lock_guard<std::mutex> lock(m_mutex);
-            m_open = true;
-        }
-        m_condition.notify_all();
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_condition;
-    bool m_open = false;
-};
-
 }  // namespace
 
 TEST(DispatchConcurrency, RacingFirstLoadsLoadOneLibraryAndForwardersStayConsistent) {
@@ -64,7 +43,7 @@ TEST(DispatchConcurrency, RacingFirstLoadsLoadOneLibraryAndForwardersStayConsist
                                                   R"({"version": "v)" + std::to_string(i) + R"("})"));
     }
 
-    StartLine start;
+    twtest::Gate start;
     std::vector<IBlackmagicRawFactory*> factories(kLoaders, nullptr);
     std::atomic<int> badAnswers{0};
     std::vector<std::thread> threads;

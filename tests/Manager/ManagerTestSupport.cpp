@@ -156,6 +156,26 @@ std::shared_ptr<FlowRequest> makeFlowRequest(qvBRAW_Manager& manager, const std:
     return request;
 }
 
+void Gate::wait() {
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_waiting = true;
+    m_changed.notify_all();
+    m_changed.wait(lock, [this] { return m_open; });
+}
+
+void Gate::waitUntilHeld() {
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_waiting; });
+}
+
+void Gate::open() {
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_open = true;
+    }
+    m_changed.notify_all();
+}
+
 ScopedStageHook::ScopedStageHook(Hook hook) : m_hook(std::move(hook)) {
     auto set = reinterpret_cast<TwRefDecoderSetStageHookFunc>(dlsym(RTLD_DEFAULT, TW_REF_DECODER_SET_STAGE_HOOK_SYMBOL));
     if (!set) throw std::runtime_error("the reference decoder's stage hook is not there");

@@ -14,9 +14,11 @@
 
 #include <gtest/gtest.h>
 
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -93,6 +95,20 @@ struct TestFrame {
 std::shared_ptr<FlowRequest> makeFlowRequest(qvBRAW_Manager& manager, const std::shared_ptr<qvBRAW_Clip>& clip,
                                              uint64_t frame, QV_PIXEL_FORMAT format, TestFrame& output,
                                              uint64_t queueID = 1);
+
+// Holds the threads that wait on it until it is opened; says when one is held.
+class Gate {
+public:
+    void wait();
+    void waitUntilHeld();
+    void open();
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_waiting = false;
+    bool m_open = false;
+};
 
 // Installs the reference decoder's stage hook for the life of the object.
 class ScopedStageHook {

@@ -16,7 +16,7 @@
 namespace {
 
 // Appends its number to a shared log when it runs.
-class RecordingTask : public qvParallelWorker_Task {
+class RecordingTask final : public qvParallelWorker_Task {
 public:
     RecordingTask(int number, std::vector<int>& log, std::mutex& logMutex)
         : m_number(number), m_log(log), m_logMutex(logMutex) {}
@@ -33,7 +33,7 @@ private:
 
 // Runs until the test opens its gate, so that the test can act while the
 // worker is busy.
-class GateTask : public qvParallelWorker_Task {
+class GateTask final : public qvParallelWorker_Task {
 public:
     void Work() override {
         std::unique_lock<std::mutex> lock(m_mutex);

@@ -12,8 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
+#include <deque>
 #include <thread>
 
 namespace {
@@ -50,6 +49,8 @@ protected:
             true, false, index);
         return read ? static_cast<int64_t>(index) : -1;
     }
+
+    std::deque<TestFrame> m_lastingFrames;
 };
 
 TEST_F(RequestFlow, TightWholeFrameIsFilledByTheLibraryDirectlyAndOtherLayoutsAreConverted) {
@@ -287,37 +288,11 @@ TEST_F(RequestFlow, SyncDecodeReturnsOnlyOnceEveryCallbackOfTheRequestHasRun) {
     EXPECT_EQ(m_manager->GetQueueSizeSafe(), 0u);
 }
 
-// A stage the test holds until it lets it go.
-class Gate {
-public:
-    void wait() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_waiting = true;
-        m_changed.notify_all();
-        m_changed.wait(lock, [this] { return m_open; });
-    }
-    void waitUntilHeld() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_waiting; });
-    }
-    void open() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_open = true;
-        m_changed.notify_all();
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_waiting = false;
-    bool m_open = false;
-};
-
 TEST_F(RequestFlow, QueueLookUpsSeeRunningRequestsStayAndFinishedOnesLeave) {
     std::shared_ptr<qvBRAW_Clip> clip = open(model());
     TestFrame frame(kWidth, kHeight, 4, kWidth * 4 + 4);
     auto running = twtest::makeFlowRequest(*m_manager, clip, 2, QV_PIXEL_FORMAT_BGRA_8_LOW, frame, 5);
-    Gate gate;
+    twtest::Gate gate;
     twtest::ScopedStageHook hook([&](const std::string& stage, uint64_t, qvBRAW_Request*) {
         if (stage == "decode") gate.wait();
     });
@@ -380,13 +355,31 @@ TEST_F(RequestFlow, FlushOfOneQueueTakesItsFinishedRequestsAndLeavesTheOthersAlo
     EXPECT_EQ(shownFrame(frame8), 1);
     EXPECT_EQ(m_manager->removeFromQueue(of8.get()), 0);
     EXPECT_EQ(m_manager->GetQueueSizeSafe(), 0u);
+
+    // A request whose callback could not find it never finishes: the flush of
+    // its queue cancels it and leaves it where it is.
+    RefClipModel lost = model();
+    lost.addFault("Job.GetUserData", twref::RefResult::Fail);
+    std::shared_ptr<qvBRAW_Clip> lostClip = open(lost, "lost.braw");
+    TestFrame lostFrame(kWidth, kHeight, 4, kWidth * 4 + 4);
+    auto unfinished = twtest::makeFlowRequest(*m_manager, lostClip, 1, QV_PIXEL_FORMAT_BGRA_8_LOW, lostFrame, 7);
+    ASSERT_EQ(m_manager->AddProcessFrameAsync(unfinished, false), 0);
+    EXPECT_EQ(m_manager->FlushQueue(7), 0);
+    EXPECT_EQ(m_manager->GetQueueSizeSafe(), 1u);
+    EXPECT_TRUE(unfinished->m_cancelled);
+    EXPECT_FALSE(unfinished->m_finished);
+    EXPECT_TRUE(lostFrame.untouched());
+    m_manager->removeFromQueue(unfinished.get());
+    unfinished->m_finished = true;
 }
 
 TEST_F(RequestFlow, ARequestLeftInTheQueueGivesItsBuffersBackWhenTheManagerGoes) {
     std::shared_ptr<qvBRAW_Clip> clip = open(model());
-    TestFrame frame(kWidth, kHeight, 4, kWidth * 4 + 4);
+    // The host's frame outlives the manager, whose end waits for the stages.
+    m_lastingFrames.emplace_back(kWidth, kHeight, 4, kWidth * 4 + 4);
     {
-        auto request = twtest::makeFlowRequest(*m_manager, clip, 1, QV_PIXEL_FORMAT_BGRA_8_LOW, frame);
+        auto request =
+            twtest::makeFlowRequest(*m_manager, clip, 1, QV_PIXEL_FORMAT_BGRA_8_LOW, m_lastingFrames.back());
         ASSERT_EQ(m_manager->AddProcessFrameAsync(request, false), 0);
     }
     clip.reset();

@@ -49,18 +49,14 @@ public:
     int run(twHostSession& s) override {
         // Everything but the pixels goes to the error stream.
         twHostSession text{s.host, s.options, s.err, s.err};
-        std::unique_ptr<twSimFile> file = twHostImportClip(text, m_clip);
-        if (!file) return kExitPluginFailure;
-        std::vector<long long> frames;
-        int width = 0;
-        int height = 0;
-        const twHostPixelFormat* format = nullptr;
-        std::string error;
-        if (!m_picture.resolve(*file, frames, width, height, format, error)) {
-            s.err << error << "\n";
-            file->close();
-            return kExitUsage;
-        }
+        twHostPictureRequest asked;
+        int code = kExitOk;
+        std::unique_ptr<twSimFile> file = m_picture.importClip(text, m_clip, asked, code);
+        if (!file) return code;
+        const std::vector<long long>& frames = asked.frames;
+        const int width = asked.width;
+        const int height = asked.height;
+        const twHostPixelFormat* format = asked.format;
         const imFileInfoRec8& info = file->info();
         std::ostringstream rate;
         rate << info.vidScale << "/" << (info.vidSampleSize > 0 ? info.vidSampleSize : 1);
@@ -74,7 +70,6 @@ public:
         }
 
         twHostFrameSource source(*file, false);
-        int code = kExitOk;
         {
             twHostProgress progress(s.err, "frames", frames.size());
             size_t done = 0;

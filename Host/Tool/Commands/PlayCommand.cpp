@@ -77,18 +77,14 @@ public:
 
     int run(twHostSession& s) override {
         s.out << "Clip: " << m_clip << "\n";
-        std::unique_ptr<twSimFile> file = twHostImportClip(s, m_clip);
-        if (!file) return kExitPluginFailure;
-        std::vector<long long> frames;
-        int width = 0;
-        int height = 0;
-        const twHostPixelFormat* format = nullptr;
-        std::string error;
-        if (!m_picture.resolve(*file, frames, width, height, format, error)) {
-            s.err << error << "\n";
-            file->close();
-            return kExitUsage;
-        }
+        twHostPictureRequest asked;
+        int code = kExitOk;
+        std::unique_ptr<twSimFile> file = m_picture.importClip(s, m_clip, asked, code);
+        if (!file) return code;
+        const std::vector<long long>& frames = asked.frames;
+        const int width = asked.width;
+        const int height = asked.height;
+        const twHostPixelFormat* format = asked.format;
         std::vector<std::unique_ptr<twSimAsyncReader>> readers;
         for (int r = 0; r < m_readers; ++r) {
             csSDK_int32 created = 0;

@@ -41,14 +41,16 @@ public:
 
     int run(twHostSession& s) override {
         s.out << "Clip: " << m_clip << "\n";
-        std::unique_ptr<twSimFile> file = twHostImportClip(s, m_clip);
-        if (!file) return kExitPluginFailure;
-        std::vector<long long> frames;
-        int width = 0;
-        int height = 0;
-        const twHostPixelFormat* format = nullptr;
+        twHostPictureRequest asked;
+        int code = kExitOk;
+        std::unique_ptr<twSimFile> file = m_picture.importClip(s, m_clip, asked, code);
+        if (!file) return code;
+        const std::vector<long long>& frames = asked.frames;
+        const int width = asked.width;
+        const int height = asked.height;
+        const twHostPixelFormat* format = asked.format;
         std::string error;
-        if (!m_picture.resolve(*file, frames, width, height, format, error) || !MakeFolder(m_folder, error)) {
+        if (!MakeFolder(m_folder, error)) {
             s.err << error << "\n";
             file->close();
             return kExitUsage;
@@ -62,7 +64,6 @@ public:
 
         s.out << "Rendering " << frames.size() << (frames.size() == 1 ? " frame" : " frames") << " at " << width
               << "x" << height << " " << format->name << (m_async ? " through an asynchronous reader" : "") << "\n";
-        int code = kExitOk;
         twHostContactSheet sheet;
         size_t written = 0;
         {

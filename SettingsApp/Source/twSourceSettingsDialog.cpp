@@ -4,7 +4,6 @@
 #include "twAutomation.h"
 #include "twDialogLayout.h"
 
-#include "FileSystem/qvFileSystem.h"
 #include "Manager/twSettingsVocabulary.h"
 #include "TW_Settings_Utils/LutUtility.h"
 #include "TW_Settings_Utils/TW_Presets.h"

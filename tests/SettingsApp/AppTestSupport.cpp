@@ -20,10 +20,13 @@ AppTestRoots::AppTestRoots() {
                                std::filesystem::copy_options::overwrite_existing);
 }
 
-QString AppTestRoots::writeClip(const std::string& name) const {
+QString AppTestRoots::writeClip(const std::string& name,
+                                const std::function<void(twref::RefClipModel&)>& change) const {
     const std::string path = m_roots.folder().join(name);
+    twref::RefClipModel model = twref::RefClipWriter::makeClip(640, 360, 24.0f, 6);
+    if (change) change(model);
     std::string error;
-    if (!twref::RefClipWriter::write(path, twref::RefClipWriter::makeClip(640, 360, 24.0f, 6), &error)) {
+    if (!twref::RefClipWriter::write(path, model, &error)) {
         throw std::runtime_error(error);
     }
     return QString::fromStdString(path);

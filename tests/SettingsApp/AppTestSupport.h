@@ -7,8 +7,11 @@
 
 #include "Manager/twSettingsInitData.h"
 
+#include "Format/RefClipModel.h"
+
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -21,8 +24,9 @@ class AppTestRoots {
 public:
     AppTestRoots();
     const ScopedTestRoots& roots() const { return m_roots; }
-    // A 640x360 reference clip of 6 frames at folder/name.
-    QString writeClip(const std::string& name) const;
+    // A 640x360 reference clip of 6 frames at folder/name, changed by `change`.
+    QString writeClip(const std::string& name,
+                      const std::function<void(twref::RefClipModel&)>& change = nullptr) const;
     QString path(const std::string& relative) const { return QString::fromStdString(m_roots.folder().join(relative)); }
     QString iniPath() const;
 

@@ -70,6 +70,7 @@ class SettingsAppProtocolTest : public QObject {
 private slots:
     void sourceSettingsOkHandsTheEditsBack();
     void sourceSettingsCancelWritesNothing();
+    void settingsTheClipFixesStayAsTheClipHasThem();
     void aClipThatCannotBeOpenedIsSaidAndAnswered();
     void preferencesOpenAtTheHostsTabAndWriteTheOptions();
     void desktopModeSavesTheSidecar();
@@ -129,6 +130,26 @@ void SettingsAppProtocolTest::sourceSettingsCancelWritesNothing() {
     const Run unfinished = runApp(roots, sourceSettingsArgs(clip, roots), "set exposure 1\n");
     QCOMPARE(unfinished.answer(), QString("json:{\"modified\":false}"));
     QVERIFY(!QFile::exists(roots.path("result.twPreset")));
+}
+
+void SettingsAppProtocolTest::settingsTheClipFixesStayAsTheClipHasThem() {
+    twtest::AppTestRoots roots;
+    const QString clip = roots.writeClip("fixed.braw", [](twref::RefClipModel& model) {
+        model.frameAttribute(twref::RefFrameAttr::ISO)->readOnly = true;
+        model.setFrameAttributeValue(twref::RefFrameAttr::ISO, twref::RefValue::u32(640));
+    });
+    const Run run = runApp(roots, sourceSettingsArgs(clip, roots),
+                           "expect iso 640\nset iso 1600\nexpect iso 640\nset exposure -1\npress ok\n");
+    QVERIFY2(run.exitCode == 0, qPrintable(run.err));
+    QVERIFY2(run.err.contains("refused: iso"), qPrintable(run.err));
+    TW_Preset result;
+    QVERIFY(!result.load(qvUtf8String(roots.path("result.twPreset").toStdString())).hasError);
+    twClipAttributes clipOut;
+    twFrameAttributes frameOut;
+    WB_Preset wb = WB_PRESET_NONE;
+    result.getValues(clipOut, frameOut, wb);
+    QCOMPARE(frameOut.iso, 640u);
+    QCOMPARE(frameOut.exposure, -1.0f);
 }
 
 void SettingsAppProtocolTest::aClipThatCannotBeOpenedIsSaidAndAnswered() {

@@ -52,7 +52,7 @@ bool qvBRAW_Manager_Callback::endIfCancelled(qvBRAW_Request* request) {
 }
 
 bool qvBRAW_Manager_Callback::submitNextJob(qvBRAW_Request* request, IBlackmagicRawJob* job, int code,
-                                            const char* userDataError, const char* submitError, const char*) {
+                                            const char* userDataError, const char* submitError) {
     HRESULT hr = job->SetUserData(request);
     if (FAILED(hr)) {
         // The job was never submitted: ours is its only reference.
@@ -167,7 +167,7 @@ void qvBRAW_Manager_Callback::ReadComplete(IBlackmagicRawJob* job, HRESULT, IBla
         return;
     }
     if (!submitNextJob(request, decodeJob, TW_REQUEST_ERROR_DECODE_JOB, "Impossible to Set UserData on decodeJob !",
-                       "Impossible to submit DecodeJob ! ", "Impossible to Release decodeJob !")) {
+                       "Impossible to submit DecodeJob ! ")) {
         return;
     }
     request->m_mutex.unlock();
@@ -195,7 +195,7 @@ void qvBRAW_Manager_Callback::DecodeComplete(IBlackmagicRawJob* job, HRESULT) {
         return;
     }
     if (!submitNextJob(request, processJob, code, "Impossible to Set UserData on processJob ! ",
-                       "Impossible to Submit processJob ! ", "Impossible to Release processJob ! ")) {
+                       "Impossible to Submit processJob ! ")) {
         return;
     }
     request->m_mutex.unlock();

@@ -55,5 +55,5 @@ private:
     // Submits `job` as the request's next stage, or ends the request with
     // `code`. Releases our reference to the job in every case.
     static bool submitNextJob(qvBRAW_Request* request, IBlackmagicRawJob* job, int code, const char* userDataError,
-                              const char* submitError, const char* releaseError);
+                              const char* submitError);
 };

@@ -3,73 +3,28 @@
 // and negative strides, areas away from the origin, 16-bit edge values and
 // floats outside 0..1 (NaN and infinities among them), compared byte for byte
 // over the whole host frame and the guards around it. Then the deliberate
-// quirks one by one, and a count of the memory the passes take (none).
+// quirks one by one.
 
 #include "ConversionTestSupport.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cmath>
-#include <cstdlib>
-#include <limits>
-#include <new>
 #include <random>
 #include <sstream>
 #include <string>
 #include <vector>
 
-// Every allocation of the test program goes through here, so that a pass can
-// be shown to take none.
-namespace {
-thread_local bool t_countAllocations = false;
-std::atomic<size_t> g_allocations{0};
-}  // namespace
-
-void* operator new(std::size_t size) {
-    if (t_countAllocations) ++g_allocations;
-    if (void* p = std::malloc(size ? size : 1)) return p;
-    throw std::bad_alloc();
-}
-// Not inlined: the compiler would then pair the free with a new expression.
-__attribute__((noinline)) void operator delete(void* p) noexcept { std::free(p); }
-__attribute__((noinline)) void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-
 namespace {
 
 using twtest::ConversionRequest;
+using twtest::Element;
+using twtest::Facts;
+using twtest::factsOf;
 using twtest::HostFrame;
-
-enum class Element { U8, U16, F32 };
-
-struct Facts {
-    int algorithm;
-    uint8_t srcBytes;   // per source pixel
-    uint32_t dstBytes;  // per host pixel
-    Element element;
-    bool downscale;
-};
-
-const Facts kFacts[] = {
-    {1, 4, 4, Element::U8, false},    {2, 4, 4, Element::U8, false},    {4, 8, 8, Element::U16, false},
-    {5, 6, 8, Element::U16, false},   {6, 6, 8, Element::U16, false},   {7, 16, 16, Element::F32, false},
-    {12, 4, 4, Element::U8, false},   {13, 8, 8, Element::U16, false},  {14, 12, 16, Element::F32, false},
-    {21, 4, 4, Element::U8, false},   {9, 4, 4, Element::U8, true},     {10, 8, 8, Element::U16, true},
-    {11, 12, 16, Element::F32, true}, {15, 4, 4, Element::U8, true},    {16, 8, 8, Element::U16, true},
-    {17, 16, 16, Element::F32, true}, {22, 4, 4, Element::U8, true},
-};
-
-// The algorithms of the row walker, which reads an area and writes W x H.
-bool walksRows(const Facts& f) {
-    return f.algorithm == 7 || f.algorithm == 12 || f.algorithm == 13 || f.algorithm == 14;
-}
-
-const Facts& factsOf(int algorithm) {
-    for (const Facts& f : kFacts) {
-        if (f.algorithm == algorithm) return f;
-    }
-    throw std::logic_error("no such algorithm");
-}
+using twtest::kFacts;
+using twtest::prepare;
+using twtest::walksRows;
 
 // --- The reference rules ---
 
@@ -380,17 +335,6 @@ INSTANTIATE_TEST_SUITE_P(EveryAlgorithm, PixelConversion,
                              return "Algorithm" + std::to_string(info.param);
                          });
 
-// A request set up for `algorithm` over a source of `Ws` x `Hs` into a frame
-// of the same size.
-void prepare(ConversionRequest& request, int algorithm, uint32_t Ws, uint32_t Hs, int32_t rowBytes) {
-    request.m_pxlConvAlgo = algorithm;
-    request.m_bmBytesPerPixel = factsOf(algorithm).srcBytes;
-    request.m_srcWidth = request.m_width = Ws;
-    request.m_srcHeight = request.m_height = Hs;
-    request.m_rect = {0, 0, static_cast<int32_t>(Ws), static_cast<int32_t>(Hs)};
-    request.m_rowBytes = rowBytes;
-}
-
 TEST(PixelConversionQuirks, Algorithm2FlipsAndShiftsByOneByteWith255OnlyAtEachRowsStart) {
     // Two rows of two R G B A pixels; source alphas are never 255.
     const std::vector<uint8_t> source = {10, 11, 12, 13, 20, 21, 22, 23,   // row 0
@@ -531,34 +475,6 @@ TEST(PixelConversionQuirks, DownscaleSamplesBeyondTheImageAreHeldAtItsEdge) {
     ASSERT_EQ(request.HeavyProcessing(), 0);
     const uint32_t expected[8] = {0, 2, 4, 4, 1000, 1002, 1004, 1004};
     for (int i = 0; i < 8; ++i) EXPECT_EQ(get<uint32_t>(frame.address() + 4 * i), expected[i]) << i;
-}
-
-TEST(PixelConversionAllocations, NoPassTakesMemory) {
-    // The count sees what is taken.
-    g_allocations = 0;
-    t_countAllocations = true;
-    delete new std::string(100, 'x');
-    t_countAllocations = false;
-    ASSERT_GT(g_allocations.load(), 0u);
-
-    const uint32_t W = 33, H = 5;
-    const std::vector<uint8_t> source(static_cast<size_t>(W + 4) * (H + 4) * 16 * 2, 3);
-    for (const Facts& f : kFacts) {
-        for (int32_t sign : {1, -1}) {
-            const int32_t rowBytes = sign * static_cast<int32_t>(W * f.dstBytes + 8);
-            HostFrame frame(rowBytes, H);
-            ConversionRequest request;
-            prepare(request, f.algorithm, W, H, rowBytes);
-            request.m_scaleX = request.m_scaleY = 1.25f;
-            request.setBuffers(source.data(), frame.address());
-            g_allocations = 0;
-            t_countAllocations = true;
-            const int32_t result = request.HeavyProcessing();
-            t_countAllocations = false;
-            EXPECT_EQ(result, 0);
-            EXPECT_EQ(g_allocations.load(), 0u) << "algorithm " << f.algorithm;
-        }
-    }
 }
 
 }  // namespace

@@ -355,6 +355,22 @@ TEST_F(RequestFlow, FlushOfOneQueueTakesItsFinishedRequestsAndLeavesTheOthersAlo
     EXPECT_EQ(shownFrame(frame8), 1);
     EXPECT_EQ(m_manager->removeFromQueue(of8.get()), 0);
     EXPECT_EQ(m_manager->GetQueueSizeSafe(), 0u);
+
+    // A request whose callback could not find it never finishes: the flush of
+    // its queue cancels it and leaves it where it is.
+    RefClipModel lost = model();
+    lost.addFault("Job.GetUserData", twref::RefResult::Fail);
+    std::shared_ptr<qvBRAW_Clip> lostClip = open(lost, "lost.braw");
+    TestFrame lostFrame(kWidth, kHeight, 4, kWidth * 4 + 4);
+    auto unfinished = twtest::makeFlowRequest(*m_manager, lostClip, 1, QV_PIXEL_FORMAT_BGRA_8_LOW, lostFrame, 7);
+    ASSERT_EQ(m_manager->AddProcessFrameAsync(unfinished, false), 0);
+    EXPECT_EQ(m_manager->FlushQueue(7), 0);
+    EXPECT_EQ(m_manager->GetQueueSizeSafe(), 1u);
+    EXPECT_TRUE(unfinished->m_cancelled);
+    EXPECT_FALSE(unfinished->m_finished);
+    EXPECT_TRUE(lostFrame.untouched());
+    m_manager->removeFromQueue(unfinished.get());
+    unfinished->m_finished = true;
 }
 
 TEST_F(RequestFlow, ARequestLeftInTheQueueGivesItsBuffersBackWhenTheManagerGoes) {

@@ -15,6 +15,7 @@
 #include "MediaCoreTypes.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -97,7 +98,11 @@ private:
     // Runs read on the living frame h under the lock; InvalidParms when h is not one.
     prSuiteError readAlive(PPixHand h, const char* operation, const std::function<void(const Frame&)>& read) const;
     prSuiteError finishCreation(std::unique_ptr<Frame> frame, PPixHand* out);
+    // Under m_mutex, when a frame's last reference goes: its memory is kept for
+    // a later frame of the same size, within a limit.
     void release(Frame& frame);
+    unsigned char* takeSpare(size_t dataSize);
+    unsigned char* takeSpareLocked(size_t dataSize);
     void checkGuards(Frame& frame) const;
 
     mutable std::mutex m_mutex;
@@ -106,4 +111,6 @@ private:
     int m_failCreations = 0;
     unsigned long long m_nextId = 1;
     std::unordered_map<PPixHand, std::unique_ptr<Frame>> m_frames;
+    std::multimap<size_t, unsigned char*> m_spareBlocks;  // by data size
+    size_t m_spareBytes = 0;
 };

@@ -165,9 +165,7 @@ int SDKAsyncImporter::LogEntryPoint(const char* tag, imSourceVideoRec* rec) {
 }
 
 std::shared_ptr<qvCachePrefsWrapper> SDKAsyncImporter::makeWrapper(imSourceVideoRec* rec) {
-    return std::make_shared<qvCachePrefsWrapper>(m_privateData, rec->prefs, rec->prefsSize, rec->inFrameTime,
-                                                 rec->inNumFrameFormats, rec->inFrameFormats, m_newCacheApi,
-                                                 &rec->opaqueColorSpaceIdentifier, false);
+    return TWI_WrapperOfRecord(m_privateData, *rec, m_newCacheApi);
 }
 
 int SDKAsyncImporter::OnInitiateAsyncRead(imSourceVideoRec* rec) {

@@ -30,6 +30,20 @@ float sizeRatio(uint32_t full, uint32_t size) {
 
 }  // namespace
 
+std::shared_ptr<qvCachePrefsWrapper> TWI_WrapperOfRecord(TWI_PrivateData* privateData, imSourceVideoRec& rec,
+                                                         bool newCacheApi) {
+    // The record is packed: its members are read into values first, since a
+    // reference to one of them may be misaligned.
+    void* const prefs = rec.prefs;
+    const int prefsSize = rec.prefsSize;
+    const long long time = rec.inFrameTime;
+    const int numFormats = rec.inNumFrameFormats;
+    imFrameFormat* const formats = rec.inFrameFormats;
+    PrSDKGuid* const colorProfile = &rec.opaqueColorSpaceIdentifier;
+    return std::make_shared<qvCachePrefsWrapper>(privateData, prefs, prefsSize, time, numFormats, formats,
+                                                 newCacheApi, colorProfile, false);
+}
+
 const twImporterAttributes* TWI_AttributesOfRecord(const imSourceVideoRec& rec) {
     if (!rec.prefs) return nullptr;
     return static_cast<const twImporterAttributes*>(static_cast<const twImporterSharedPrefs*>(rec.prefs));
@@ -210,9 +224,7 @@ int SDKGetSourceVideo(imStdParms* stdParms, void*, imSourceVideoRec* sourceVideo
             if (!privateData) return static_cast<int>(malUnknownError);
             imSourceVideoRec& rec = *sourceVideo;
             const bool newCacheApi = stdParms && stdParms->imInterfaceVer >= 23;
-            auto wrapper = std::make_shared<qvCachePrefsWrapper>(
-                privateData, rec.prefs, rec.prefsSize, rec.inFrameTime, rec.inNumFrameFormats, rec.inFrameFormats,
-                newCacheApi, &rec.opaqueColorSpaceIdentifier, false);
+            auto wrapper = TWI_WrapperOfRecord(privateData, rec, newCacheApi);
             QV_LOG(QV_LOG_WARN, "[Q" << privateData->importerID << "C" << privateData->clipID << "#" << wrapper->frame
                                      << "] SDKGetSourceVideo Called for "
                                      << GetIntentStr(rec.inRenderContext.inIntent));

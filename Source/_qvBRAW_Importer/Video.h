@@ -13,6 +13,9 @@ class qvBRAW_Manager;
 class qvCachePrefsWrapper;
 class qvBRAW_Request_PPro;
 
+// The cache identity of the record's frame, without a copy of the prefs.
+std::shared_ptr<qvCachePrefsWrapper> TWI_WrapperOfRecord(TWI_PrivateData* privateData, imSourceVideoRec& rec,
+                                                         bool newCacheApi);
 // The settings of the record's prefs blob, past its header; null without one.
 const twImporterAttributes* TWI_AttributesOfRecord(const imSourceVideoRec& rec);
 // True, with the reason in the log, when the record has a prefs blob that a

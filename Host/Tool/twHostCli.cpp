@@ -134,7 +134,7 @@ int RunSession(twHostCliOptions& options, twHostCommand& command, std::ostream& 
         return kExitLoad;
     }
 
-    twHostSession session{host, options, data, err};
+    twHostSession session{host, options, data, err, out};
     int code = command.run(session);
 
     const csSDK_int32 shutdownResult = host.shutdown();

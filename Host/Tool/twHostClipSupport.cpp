@@ -5,12 +5,12 @@
 #include <ostream>
 
 std::unique_ptr<twSimFile> twHostImportClip(twHostSession& s, const std::string& path) {
-    s.out << "Clip: " << path << "\n";
+    s.log << "Clip: " << path << "\n";
     std::unique_ptr<twSimFile> file = s.host.importFile(path);
     const bool opened = file->openResult() == imNoErr;
     if (opened && file->infoResult() == imNoErr) {
-        s.out << "imOpenFile8: " << file->openResult() << "\n";
-        s.out << "imGetInfo8: " << file->infoResult() << "\n";
+        s.log << "imOpenFile8: " << file->openResult() << "\n";
+        s.log << "imGetInfo8: " << file->infoResult() << "\n";
         return file;
     }
     struct stat st;

@@ -27,4 +27,8 @@ struct twHostSession {
     const twHostCliOptions& options;
     std::ostream& out;
     std::ostream& err;
+    // The session's own lines (the clip imported, the selectors' results):
+    // standard output, or the error stream for a command whose standard
+    // output is data for another program.
+    std::ostream& log;
 };

@@ -48,7 +48,7 @@ public:
 
     int run(twHostSession& s) override {
         // Everything but the pixels goes to the error stream.
-        twHostSession text{s.host, s.options, s.err, s.err};
+        twHostSession text{s.host, s.options, s.err, s.err, s.err};
         twHostPictureRequest asked;
         int code = kExitOk;
         std::unique_ptr<twSimFile> file = m_picture.importClip(text, m_clip, asked, code);

@@ -40,7 +40,6 @@ public:
     }
 
     int run(twHostSession& s) override {
-        s.out << "Clip: " << m_clip << "\n";
         twHostPictureRequest asked;
         int code = kExitOk;
         std::unique_ptr<twSimFile> file = m_picture.importClip(s, m_clip, asked, code);

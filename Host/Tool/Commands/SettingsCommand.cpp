@@ -234,6 +234,9 @@ std::vector<std::string> productKeys() {
 
 class twSettingsCommand final : public twHostCommand {
 public:
+    // With --json the standard output is the panel's JSON alone, for jq and the like.
+    bool writesDataToStandardOutput() const override { return m_json; }
+
     void addOptions(CLI::App& command) override {
         command.add_option("CLIP", m_clip, "the clip whose settings to show or change")->required();
         command.add_flag("--json", m_json, "print the JSON the settings panels read instead of the readable view");
@@ -269,7 +272,6 @@ public:
         } else if (m_json) {
             s.out << twHostPanelJson(panel.record) << "\n";
         } else {
-            s.out << "Clip: " << m_clip << "\n";
             twHostPrintPanel(s.out, panel.record);
         }
         file->close();

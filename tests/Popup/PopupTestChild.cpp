@@ -54,7 +54,10 @@ int main(int argc, char** argv) {
         } else if (verb == "out") {
             std::cout << operand << std::endl;
         } else if (verb == "err") {
-            std::cerr << operand << std::endl;
+            // One write for the whole line: the runner gathers both streams into
+            // one text in the order it reads them, and a line cut in two writes
+            // could have the other stream's line land in its middle.
+            std::cerr << (operand + "\n") << std::flush;
         } else if (verb == "result") {
             if (argc < 6) return 2;
             std::ifstream source(operand, std::ios::binary);

@@ -49,9 +49,11 @@ private:
 
 constexpr size_t kMessageUnits = 256;
 
-// The install checks under way. They run detached, yet imShutdown lets them
-// finish: after it nothing of this importer runs on the host's behalf, and a
-// host that exits right away does not tear the module down under a check.
+// The install checks under way. They run on their own thread, yet imShutdown
+// lets them finish and then joins them: after it nothing of this importer runs
+// on the host's behalf. Waiting for the check's end alone is not enough: its
+// thread still has to wind down, at the lowest priority, and a host that exits
+// right away would tear the module down under it.
 class InstallCheckTracker {
 public:
     void started() {
@@ -63,15 +65,25 @@ public:
         --m_running;
         m_done.notify_all();
     }
+    void adopt(std::thread&& thread) {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_threads.push_back(std::move(thread));
+    }
     void waitForAll() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_done.wait(lock, [this] { return m_running == 0; });
+        std::vector<std::thread> threads;
+        {
+            std::unique_lock<std::mutex> lock(m_mutex);
+            m_done.wait(lock, [this] { return m_running == 0; });
+            threads.swap(m_threads);
+        }
+        for (std::thread& thread : threads) thread.join();
     }
 
 private:
     std::mutex m_mutex;
     std::condition_variable m_done;
     int m_running = 0;
+    std::vector<std::thread> m_threads;
 };
 
 // Never destroyed: a check may still be finishing while the process exits.
@@ -165,7 +177,7 @@ void UpdateLogs(imStdParms* stdParms, bool displayInstallProblem) {
     } else if (priority.message[0] != '\0') {
         QV_LOG(QV_LOG_INFO, "Setting CheckInstallFolder priority : " << priority.toString());
     }
-    check.detach();
+    installChecks().adopt(std::move(check));
 }
 
 void TWI_WaitForInstallChecks() { installChecks().waitForAll(); }

@@ -6,6 +6,7 @@
 #include "ClipImportSupport.h"
 #include "FrameTestSupport.h"
 #include "twSimAsyncReader.h"
+#include "ThreadFailures.h"
 
 #include <gtest/gtest.h>
 
@@ -24,21 +25,7 @@ struct Clip {
     std::vector<std::vector<unsigned char>> expected;  // per frame
 };
 
-class Failures {
-public:
-    void add(const std::string& what) {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_list.push_back(what);
-    }
-    std::vector<std::string> list() const {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_list;
-    }
-
-private:
-    mutable std::mutex m_mutex;
-    std::vector<std::string> m_list;
-};
+using Failures = twtest::ThreadFailures;
 
 constexpr int kWidth = 48;
 constexpr int kHeight = 28;

@@ -8,6 +8,7 @@
 #include "SourceSettingsSupport.h"
 
 #include "Writer/RefClipWriter.h"
+#include "ThreadFailures.h"
 
 #include <gtest/gtest.h>
 
@@ -41,21 +42,7 @@ twref::RefSidecarSettings exposureSidecar(float exposure) {
     return settings;
 }
 
-class Failures {
-public:
-    void add(const std::string& what) {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_list.push_back(what);
-    }
-    std::vector<std::string> list() const {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_list;
-    }
-
-private:
-    mutable std::mutex m_mutex;
-    std::vector<std::string> m_list;
-};
+using Failures = twtest::ThreadFailures;
 
 }  // namespace
 

@@ -80,7 +80,7 @@ twref::RefClipModel smallClip() {
     return model;
 }
 
-// An image file as OpenImageIO reads it, as floats, with its spec.
+// An image file as OpenImageIO reads it, as floats, with its size and channels.
 struct Image {
     OIIO::ImageSpec spec;
     std::vector<float> pixels;
